@@ -1,0 +1,50 @@
+#pragma once
+// Vector paths for shape nodes: open polylines, rectangles, rounded rectangles and circles.
+#include <optional>
+#include <vector>
+
+#include "engine/geometry.hpp"
+
+namespace zb {
+
+class Path {
+ public:
+  enum class Kind { moveTo, lineTo, arc, close };
+  struct Element {
+    Kind kind = Kind::moveTo;
+    Point point;       // moveTo, lineTo
+    Point center;      // arc
+    double radius = 0; // arc
+    double startAngle = 0;  // arc, radians, drawn counter-clockwise to endAngle
+    double endAngle = 0;
+  };
+
+  Path() = default;
+
+  static Path line(Point from, Point to);
+  static Path polyline(const std::vector<Point>& points);
+  static Path rect(const Rect& r);
+  // A rectangle of the given size centred on the origin.
+  static Path rectCentered(Size size);
+  static Path roundedRect(const Rect& r, double cornerRadius);
+  // A circle of the given radius centred on the origin.
+  static Path circle(double radius);
+
+  void moveTo(Point p);
+  void lineTo(Point p);
+  void addArc(Point center, double radius, double startAngle, double endAngle);
+  void closeSubpath();
+
+  bool isEmpty() const { return elements_.empty(); }
+  const std::vector<Element>& elements() const { return elements_; }
+
+  // Bounding box of the geometry itself; nothing for an empty path.
+  std::optional<Rect> boundingBox() const;
+  // Bounding box including a stroke of the given width (round caps and joins).
+  std::optional<Rect> strokedBoundingBox(double lineWidth) const;
+
+ private:
+  std::vector<Element> elements_;
+};
+
+}  // namespace zb

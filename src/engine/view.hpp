@@ -1,0 +1,69 @@
+#pragma once
+// What a scene needs of the view that presents it and of that view's window. The platform layer
+// derives the real window and the headless virtual view from these.
+#include <memory>
+
+#include "engine/geometry.hpp"
+#include "engine/input_event.hpp"
+#include "engine/notification_center.hpp"
+#include "engine/sound_output.hpp"
+
+namespace zb {
+
+class Scene;
+
+class Window {
+ public:
+  virtual ~Window() = default;
+  virtual bool isFullScreen() const = 0;
+  // Asks for the full-screen state to flip. The change, and its notification, may come later.
+  virtual void toggleFullScreen() = 0;
+};
+
+class View {
+ public:
+  explicit View(Size size);
+  virtual ~View();
+  View(const View&) = delete;
+  View& operator=(const View&) = delete;
+
+  // Detaches the current scene (willMoveFromView), gives the new one the view's size (resize-fill),
+  // sets its view and attaches it (didMoveToView).
+  void presentScene(std::shared_ptr<Scene> scene);
+  // Detaches the current scene, leaving the view empty.
+  void dismissScene();
+  Scene* scene() const { return scene_.get(); }
+
+  Size size() const { return size_; }
+  // The presented scene's size follows (and its size-change hook runs).
+  void setSize(Size size);
+
+  bool showsFPS = false;
+  bool showsNodeCount = false;
+  bool ignoresSiblingOrder = false;
+
+  // One displayed frame: the scene's clock advances by 1/60 s, then the update and the actions due.
+  void stepFrame();
+  void keyDown(const KeyEvent& event);
+  void keyUp(const KeyEvent& event);
+  // `locationInView` is in view points, origin at the lower left; converted to scene coordinates.
+  void mouseDown(Point locationInView);
+  // Unhides a cursor that was hidden until the mouse moves.
+  virtual void mouseMoved() {}
+
+  virtual Window* window() { return nullptr; }
+  virtual void hideCursorUntilMouseMoves() {}
+  virtual void unhideCursor() {}
+  virtual SoundOutput& soundOutput() { return silent_; }
+  NotificationCenter& notificationCenter() { return notifications_; }
+
+  static constexpr double kFrameDuration = 1.0 / 60.0;
+
+ private:
+  Size size_;
+  std::shared_ptr<Scene> scene_;
+  NotificationCenter notifications_;
+  SilentSoundOutput silent_;
+};
+
+}  // namespace zb

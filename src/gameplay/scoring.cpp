@@ -1,0 +1,9 @@
+// Placeholder bodies until this subsystem is built.
+#include "scene/game_scene.hpp"
+
+namespace zb {
+
+void GameScene::checkCollisions() {}
+void GameScene::incrementScoreAndDifficulty() {}
+
+}  // namespace zb

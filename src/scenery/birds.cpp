@@ -1,0 +1,8 @@
+// Placeholder bodies until this subsystem is built.
+#include "scene/game_scene.hpp"
+
+namespace zb {
+
+void GameScene::maybeSpawnBird() {}
+
+}  // namespace zb
