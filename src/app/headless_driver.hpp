@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "engine/geometry.hpp"
+
+namespace zb {
+
+// Everything the headless command line can set. Empty optionals mean "use the default".
+struct HeadlessOptions {
+  Size size{800, 600};
+  std::optional<uint64_t> seed;           // a fresh seed when unset
+  std::optional<std::string> prefsFile;   // a private in-memory store when unset
+  std::optional<std::string> resourceFolder;
+  std::optional<std::string> fallbackFolder;  // "" means no fallback folder
+};
+
+// Runs a script against the game with no window and no audio device. Dumps go to `out`, errors
+// (`line N: reason`) to `err`. Returns the process exit status: 0 on success, 2 on a bad line.
+int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostream& out, std::ostream& err);
+
+// The `zindlebop --headless ...` entry point; argv is the whole command line, argv[0] included.
+int runHeadlessMain(int argc, char** argv);
+
+}  // namespace zb
