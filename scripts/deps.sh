@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the game needs to build (and, with "test", to test) when any is missing.
+# As root it installs them; otherwise it prints the one command that would, and stops.
+set -euo pipefail
+
+build_packages=(build-essential cmake ninja-build pkg-config libsdl2-dev libsdl2-mixer-dev
+  libcairo2-dev libpango1.0-dev libglib2.0-dev fonts-dejavu-core)
+test_packages=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth sox libsox-fmt-mp3 python3)
+
+wanted=("${build_packages[@]}")
+if [[ "${1:-}" == "test" ]]; then
+  wanted+=("${test_packages[@]}")
+fi
+
+missing=()
+for package in "${wanted[@]}"; do
+  if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+    missing+=("$package")
+  fi
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+command="apt-get update && apt-get install -y ${missing[*]}"
+if [[ $(id -u) -ne 0 ]]; then
+  echo "zindlebop: missing packages; run as root: $command" >&2
+  exit 1
+fi
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+apt-get update -qq
+apt-get install -y -qq --no-install-recommends "${missing[@]}"
