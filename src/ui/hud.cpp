@@ -1,10 +1,141 @@
-// Placeholder bodies until this subsystem is built.
+// The interface node tree: HUD read-outs and buttons, and the four pages with their labels. Every
+// piece of interface is a label inside the scene, under uiLayer; positions and scaled sizes come
+// from the layout, colours from the palette (except the pieces the palette deliberately skips).
+#include <algorithm>
+#include <string>
+
 #include "scene/game_scene.hpp"
 
 namespace zb {
+namespace {
 
-void GameScene::setupUI() {}
-LabelNodePtr GameScene::buttonLabel(const std::string&, const std::string&) { return nullptr; }
-void GameScene::updateScoreLabels() {}
+constexpr const char* kFontName = "Menlo";
+constexpr double kButtonFontSize = 18;
+constexpr double kDimAlpha = 0.35;
+constexpr int kTauntMaxLines = 2;
+constexpr double kTauntWrapFraction = 0.8;  // of the scene width when the tree is built
+
+// Draw order goes by z alone: dim below the HUD, pages above it in their own order, HUD buttons on top.
+constexpr double kDimZ = 90;
+constexpr double kHudLabelZ = 100;
+constexpr double kHudButtonZ = 130;
+constexpr double kMenuZ = 100;
+constexpr double kSettingsZ = 110;
+constexpr double kGameOverZ = 120;
+constexpr double kPauseZ = 125;
+
+void style(LabelNode& label, const std::string& text, double fontSize, Color color) {
+  label.setText(text);
+  label.setFontSize(fontSize);
+  label.fontColor = color;
+  label.horizontalAlignment = HorizontalAlignment::center;
+}
+
+void addPage(Node& parent, Node& page, double z, bool hidden) {
+  page.zPosition = z;
+  page.hidden = hidden;
+  parent.addChild(page.shared_from_this());
+}
+
+}  // namespace
+
+LabelNodePtr GameScene::buttonLabel(const std::string& text, const std::string& name) {
+  auto button = std::make_shared<LabelNode>(kFontName);
+  style(*button, text, kButtonFontSize, Color::black());
+  button->name = name;
+  return button;
+}
+
+void GameScene::setupUI() {
+  const Size sceneSize = size();
+
+  scoreLabel->setFontSize(18);
+  scoreLabel->fontColor = Color::black();
+  scoreLabel->horizontalAlignment = HorizontalAlignment::left;
+  scoreLabel->zPosition = kHudLabelZ;
+  highScoreLabel->setFontSize(14);
+  highScoreLabel->fontColor = Color::darkGray();
+  highScoreLabel->horizontalAlignment = HorizontalAlignment::left;
+  highScoreLabel->zPosition = kHudLabelZ;
+  uiLayer->addChild(scoreLabel);
+  uiLayer->addChild(highScoreLabel);
+
+  dimBackground = ShapeNode::withRectOfSize(sceneSize);
+  dimBackground->fillColor = Color::black().withAlpha(kDimAlpha);
+  dimBackground->strokeColor = Color::clear();
+  dimBackground->zPosition = kDimZ;
+  dimBackground->hidden = true;
+  uiLayer->addChild(dimBackground);
+
+  style(*fullscreenButton, "Full Screen", 14, Color::black());
+  fullscreenButton->name = "btn_fullscreen";
+  fullscreenButton->horizontalAlignment = HorizontalAlignment::right;
+  fullscreenButton->zPosition = kHudButtonZ;
+  uiLayer->addChild(fullscreenButton);
+  updateFullscreenButtonTitle();
+
+  pauseButton = buttonLabel("Pause", "btn_pause");
+  pauseButton->horizontalAlignment = HorizontalAlignment::right;
+  pauseButton->zPosition = kHudButtonZ;
+  uiLayer->addChild(pauseButton);
+
+  addPage(*uiLayer, *menuOverlay, kMenuZ, false);
+  style(*titleLabel, "Zindlebop", 32, Color::black());
+  style(*subtitleLabel, "Run, jump, survive", 16, Color::darkGray());
+  startButton = buttonLabel("Start", "btn_start");
+  settingsButton = buttonLabel("Settings", "btn_settings");
+  for (const LabelNodePtr& label : {titleLabel, subtitleLabel, startButton, settingsButton}) {
+    menuOverlay->addChild(label);
+  }
+
+  addPage(*uiLayer, *settingsOverlay, kSettingsZ, true);
+  style(*settingsTitle, "Settings", 26, Color::black());
+  toggleFPSLabel = buttonLabel("Show FPS: Off", "btn_fps");
+  musicToggleLabel = buttonLabel("Music: On", "btn_music");
+  // The read-out is named, but without the button prefix, so a click on it does nothing.
+  volumeLabel = std::make_shared<LabelNode>(kFontName);
+  style(*volumeLabel, "Volume: 60%", 18, Color::black());
+  volumeLabel->name = "lbl_volume";
+  volDownButton = buttonLabel("-", "btn_vol_down");
+  volUpButton = buttonLabel("+", "btn_vol_up");
+  settingsBackButton = buttonLabel("Back", "btn_back");
+  for (const LabelNodePtr& label : {settingsTitle, toggleFPSLabel, musicToggleLabel, volumeLabel, volDownButton,
+                                    volUpButton, settingsBackButton}) {
+    settingsOverlay->addChild(label);
+  }
+
+  addPage(*uiLayer, *gameOverOverlay, kGameOverZ, true);
+  style(*goTitle, "Game Over", 28, Color::black());
+  style(*goScore, "", 18, Color::black());
+  style(*goHigh, "", 16, Color::darkGray());
+  retryButton = buttonLabel("Retry", "btn_retry");
+  menuButton = buttonLabel("Main Menu", "btn_menu");
+  style(*tauntLabel, "", 16, Color::darkGray());
+  tauntLabel->setNumberOfLines(kTauntMaxLines);
+  // Set once from the width at start-up and kept through resizes.
+  tauntLabel->setPreferredMaxLayoutWidth(sceneSize.width * kTauntWrapFraction);
+  for (const LabelNodePtr& label : {goTitle, goScore, goHigh, tauntLabel, retryButton, menuButton}) {
+    gameOverOverlay->addChild(label);
+  }
+
+  addPage(*uiLayer, *pauseOverlay, kPauseZ, true);
+  // The title keeps the default label colour, so the pause page reads the same under every palette.
+  pauseTitle->setText("Paused");
+  pauseTitle->setFontSize(28);
+  pauseTitle->horizontalAlignment = HorizontalAlignment::center;
+  resumeButton = buttonLabel("Resume", "btn_resume");
+  // Held by no field: the layout finds it again by its name.
+  LabelNodePtr restartButton = buttonLabel("Restart", "btn_pause_restart");
+  pauseMenuButton = buttonLabel("Main Menu", "btn_pause_menu");
+  for (const LabelNodePtr& label : {pauseTitle, resumeButton, restartButton, pauseMenuButton}) {
+    pauseOverlay->addChild(label);
+  }
+}
+
+void GameScene::updateScoreLabels() {
+  scoreLabel->setText("Score: " + std::to_string(score));
+  // The store is read afresh each time: another copy of the game may have written a better score.
+  highScoreLabel->setText("High: " + std::to_string(std::max(highScore, storedHighScore())));
+}
 
 }  // namespace zb

@@ -1,12 +1,50 @@
-// Placeholder bodies until this subsystem is built.
+// The computed texts of the pages: the settings read-outs, the game-over lines with their taunt,
+// and the full-screen button's title with the two window notifications that keep it right.
+#include <string>
+
+#include "engine/checked.hpp"
+#include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {
+namespace {
 
-void GameScene::refreshSettingsTexts() {}
-void GameScene::updateGameOverOverlay() {}
-void GameScene::updateFullscreenButtonTitle() {}
-void GameScene::windowDidEnterFullScreen() {}
-void GameScene::windowDidExitFullScreen() {}
+constexpr const char* kNoTauntText = "Press Space to Retry";
+constexpr float kPercent = 100.0f;
+
+const char* onOff(bool value) { return value ? "On" : "Off"; }
+
+}  // namespace
+
+void GameScene::refreshSettingsTexts() {
+  toggleFPSLabel->setText(std::string("Show FPS: ") + onOff(settingShowFPS));
+  musicToggleLabel->setText(std::string("Music: ") + onOff(settingMusicEnabled));
+  // The product is taken in single precision and truncated, so a volume just under 0.8 reads 79.
+  // A foreign value from the store (NaN, infinite, huge) stops the program rather than lying.
+  const float percent = settingMusicVolume * kPercent;
+  const int64_t shown = checkedTruncate(static_cast<double>(percent));
+  volumeLabel->setText("Volume: " + std::to_string(shown) + "%");
+}
+
+void GameScene::updateGameOverOverlay() {
+  goScore->setText("Score: " + std::to_string(score));
+  // The in-memory best alone; unlike the HUD, the store is not consulted here.
+  goHigh->setText("High: " + std::to_string(highScore));
+  if (taunts.empty()) {
+    tauntLabel->setText(kNoTauntText);
+  } else {
+    tauntLabel->setText(taunts[random().uniformIndex(taunts.size())]);
+  }
+}
+
+void GameScene::updateFullscreenButtonTitle() {
+  Window* window = view() ? view()->window() : nullptr;
+  const bool fullScreen = window && window->isFullScreen();
+  fullscreenButton->setText(fullScreen ? "Exit Full Screen" : "Full Screen");
+}
+
+void GameScene::windowDidEnterFullScreen() { updateFullscreenButtonTitle(); }
+
+void GameScene::windowDidExitFullScreen() { updateFullscreenButtonTitle(); }
 
 }  // namespace zb
