@@ -1,0 +1,96 @@
+#include "platform/mixer_sound.hpp"
+
+#include <SDL.h>
+#include <SDL_mixer.h>
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+
+#include "engine/audio_node.hpp"
+
+namespace zb {
+namespace {
+
+constexpr int kSampleRate = 44100;
+constexpr int kOutputChannels = 2;
+constexpr int kBufferFrames = 1024;
+constexpr int kEffectChannels = 16;
+// The loop starts before the scene's first volume step reaches it; a short fade-in keeps that first
+// buffer from sounding at full volume.
+constexpr int kLoopFadeInMs = 60;
+
+int mixerVolume(float volume) {
+  if (!(volume > 0)) return 0;  // also NaN
+  return static_cast<int>(std::lround(std::min(volume, 1.0f) * MIX_MAX_VOLUME));
+}
+
+}  // namespace
+
+struct MixerSoundOutput::Impl {
+  std::map<std::string, Mix_Chunk*> effects;
+  Mix_Music* music = nullptr;
+  const AudioNode* musicNode = nullptr;
+
+  void stopMusic() {
+    if (!music) return;
+    Mix_HaltMusic();
+    Mix_FreeMusic(music);
+    music = nullptr;
+    musicNode = nullptr;
+  }
+};
+
+std::unique_ptr<MixerSoundOutput> MixerSoundOutput::open() {
+  if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return nullptr;
+  Mix_Init(MIX_INIT_MP3);
+  if (Mix_OpenAudio(kSampleRate, MIX_DEFAULT_FORMAT, kOutputChannels, kBufferFrames) != 0) {
+    Mix_Quit();
+    SDL_QuitSubSystem(SDL_INIT_AUDIO);
+    return nullptr;
+  }
+  Mix_AllocateChannels(kEffectChannels);
+  std::unique_ptr<MixerSoundOutput> output(new MixerSoundOutput());
+  output->impl_ = std::make_unique<Impl>();
+  return output;
+}
+
+MixerSoundOutput::~MixerSoundOutput() {
+  impl_->stopMusic();
+  Mix_HaltChannel(-1);
+  for (auto& [path, chunk] : impl_->effects) Mix_FreeChunk(chunk);
+  Mix_CloseAudio();
+  Mix_Quit();
+  SDL_QuitSubSystem(SDL_INIT_AUDIO);
+}
+
+bool MixerSoundOutput::playEffect(const std::filesystem::path& file) {
+  Mix_Chunk*& chunk = impl_->effects[file.string()];
+  if (!chunk) chunk = Mix_LoadWAV(file.c_str());
+  if (!chunk) {
+    impl_->effects.erase(file.string());
+    return false;
+  }
+  // Channels keep the mixer's full default volume; only the music follows the settings.
+  return Mix_PlayChannel(-1, chunk, 0) >= 0;
+}
+
+void MixerSoundOutput::startLoop(const AudioNode& node) {
+  impl_->stopMusic();
+  impl_->music = Mix_LoadMUS(node.file().c_str());
+  if (!impl_->music) return;
+  impl_->musicNode = &node;
+  Mix_VolumeMusic(mixerVolume(node.volume()));
+  Mix_FadeInMusic(impl_->music, -1, kLoopFadeInMs);
+}
+
+void MixerSoundOutput::setLoopVolume(const AudioNode& node, float volume) {
+  if (&node == impl_->musicNode) Mix_VolumeMusic(mixerVolume(volume));
+}
+
+void MixerSoundOutput::stopLoop(const AudioNode& node) {
+  if (&node == impl_->musicNode) impl_->stopMusic();
+}
+
+}  // namespace zb
