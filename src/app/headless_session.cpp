@@ -1,0 +1,156 @@
+#include "app/headless_session.hpp"
+
+#include "app/dump_state.hpp"
+#include "platform/preferences_file.hpp"
+#include "platform/resource_paths.hpp"
+
+namespace zb {
+namespace {
+
+GameServices servicesFor(const HeadlessOptions& options) {
+  GameServices services;
+  if (options.prefsFile) {
+    services.preferences = std::make_shared<FilePreferences>(*options.prefsFile);
+  } else {
+    services.preferences = std::make_shared<MemoryPreferences>();
+  }
+  services.bundle = ResourceBundle(options.resourceFolder ? std::filesystem::path(*options.resourceFolder)
+                                                          : defaultResourceFolder());
+  services.fallbackFolder = options.fallbackFolder ? std::filesystem::path(*options.fallbackFolder)
+                                                   : defaultFallbackFolder();
+  return services;
+}
+
+}  // namespace
+
+HeadlessSession::HeadlessSession(const HeadlessOptions& options, std::ostream& out)
+    : out_(out), seed_(options.seed ? *options.seed : freshSeed()), services_(servicesFor(options)),
+      view_(options.size) {}
+
+HeadlessSession::~HeadlessSession() {
+  // Detach first so that the scene lets go of the view's notifications and sound output.
+  if (scene_) view_.dismissScene();
+}
+
+std::optional<std::string> HeadlessSession::run(const ScriptCommand& command) {
+  return std::visit([this](const auto& each) { return execute(each); }, command);
+}
+
+void HeadlessSession::launch() {
+  // The window's view is configured before its scene arrives; the scene then overrides the counters.
+  view_.ignoresSiblingOrder = true;
+  view_.showsFPS = true;
+  view_.showsNodeCount = true;
+  scene_ = std::make_shared<GameScene>(view_.size());
+  scene_->setServices(services_);
+  scene_->random().seed(seed_);
+  frame_ = 0;
+  view_.presentScene(scene_);
+}
+
+void HeadlessSession::relaunch() {
+  // The file-backed store writes every change through, so a quit has nothing left to save.
+  if (scene_) view_.dismissScene();
+  scene_.reset();
+  launch();
+}
+
+void HeadlessSession::ensureLaunched() {
+  if (!scene_) launch();
+}
+
+void HeadlessSession::step(uint64_t frames) {
+  ensureLaunched();
+  for (uint64_t i = 0; i < frames; ++i) {
+    view_.virtualWindow().finishPendingToggles();
+    view_.stepFrame();
+    ++frame_;
+  }
+}
+
+void HeadlessSession::dump() {
+  ensureLaunched();
+  DumpInput input{*scene_, view_, *services_.preferences, frame_, view_.recorder().takeEffects()};
+  writeDump(out_, input);
+  out_.flush();
+}
+
+std::optional<std::string> HeadlessSession::screenshot(const std::string& file) {
+  ensureLaunched();
+  if (!renderer_.writePNG(view_, file, kFramesPerSecond)) return "screenshot: cannot write '" + file + "'";
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const LaunchCommand&) {
+  ensureLaunched();
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const RelaunchCommand&) {
+  relaunch();
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const StepCommand& command) {
+  step(command.frames);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const AutoplayCommand& command) {
+  // Until the built-in player exists, its frames pass as plain steps.
+  step(command.frames);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const KeyCommand& command) {
+  ensureLaunched();
+  KeyEvent event{command.keyCode, command.alt ? kOptionModifierFlag : 0, false};
+  if (command.down) {
+    view_.keyDown(event);
+  } else {
+    view_.keyUp(event);
+  }
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const ClickCommand& command) {
+  ensureLaunched();
+  view_.mouseDown(command.location);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const MoveCommand&) {
+  view_.mouseMoved();
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const ResizeCommand& command) {
+  view_.setSize(command.size);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const FullscreenCommand&) {
+  view_.virtualWindow().toggleNow();
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const PrefSetCommand& command) {
+  services_.preferences->setObject(command.key, command.value);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const PrefRemoveCommand& command) {
+  services_.preferences->removeObject(command.key);
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const DumpCommand&) {
+  dump();
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const ScreenshotCommand& command) {
+  return screenshot(command.file);
+}
+
+}  // namespace zb

@@ -1,0 +1,234 @@
+#include "app/script_command.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <vector>
+
+#include "platform/key_mapping.hpp"
+
+namespace zb {
+namespace {
+
+// Thrown inside this file only, to leave a line's parser at its first problem.
+struct BadLine {
+  std::string reason;
+};
+
+std::vector<std::string_view> splitWords(std::string_view line) {
+  std::vector<std::string_view> words;
+  size_t i = 0;
+  while (i < line.size()) {
+    while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
+    size_t start = i;
+    while (i < line.size() && line[i] != ' ' && line[i] != '\t') ++i;
+    if (i > start) words.push_back(line.substr(start, i - start));
+  }
+  return words;
+}
+
+std::string quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
+
+// The words of one line, consumed from the left.
+class Words {
+ public:
+  explicit Words(std::string_view line) : line_(line), words_(splitWords(line)) {}
+
+  bool empty() const { return words_.empty(); }
+  std::string_view command() const { return words_.front(); }
+
+  std::optional<std::string_view> next() {
+    if (index_ >= words_.size()) return std::nullopt;
+    return words_[index_++];
+  }
+  std::string_view require(std::string_view what) {
+    auto word = next();
+    if (!word) throw BadLine{std::string(command()) + ": missing " + std::string(what)};
+    return *word;
+  }
+  // Everything after the words consumed so far, as written (inner spacing kept).
+  std::string_view rest() {
+    if (index_ >= words_.size()) return {};
+    std::string_view remaining = line_.substr(static_cast<size_t>(words_[index_].data() - line_.data()));
+    index_ = words_.size();
+    return remaining.substr(0, remaining.find_last_not_of(" \t") + 1);
+  }
+  void finish() {
+    if (index_ < words_.size()) throw BadLine{std::string(command()) + ": unexpected " + quoted(words_[index_])};
+  }
+
+ private:
+  std::string_view line_;
+  std::vector<std::string_view> words_;
+  size_t index_ = 1;
+};
+
+template <typename Int>
+std::optional<Int> parseInteger(std::string_view word) {
+  Int number{};
+  auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+  if (error != std::errc() || end != word.data() + word.size()) return std::nullopt;
+  return number;
+}
+
+std::optional<double> parseFiniteDouble(std::string_view word) {
+  double number = 0;
+  auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+  if (error != std::errc() || end != word.data() + word.size() || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+uint64_t frameCount(Words& words) {
+  auto word = words.next();
+  if (!word) return 1;
+  auto frames = parseInteger<uint64_t>(*word);
+  if (!frames) throw BadLine{std::string(words.command()) + ": frame count must be a whole number of 0 or more, not " + quoted(*word)};
+  return *frames;
+}
+
+double coordinate(Words& words, std::string_view what) {
+  std::string_view word = words.require(what);
+  auto number = parseFiniteDouble(word);
+  if (!number) throw BadLine{std::string(words.command()) + ": " + std::string(what) + " must be a number, not " + quoted(word)};
+  return *number;
+}
+
+double extent(Words& words, std::string_view what) {
+  std::string_view word = words.require(what);
+  auto number = parseFiniteDouble(word);
+  if (!number || *number <= 0) throw BadLine{std::string(words.command()) + ": " + std::string(what) + " must be a positive number, not " + quoted(word)};
+  return *number;
+}
+
+ScriptCommand parseStep(Words& words) {
+  StepCommand step{frameCount(words)};
+  words.finish();
+  return step;
+}
+
+ScriptCommand parseAutoplay(Words& words) {
+  std::string_view word = words.require("frame count");
+  auto frames = parseInteger<uint64_t>(word);
+  if (!frames) throw BadLine{"autoplay: frame count must be a whole number of 0 or more, not " + quoted(word)};
+  words.finish();
+  return AutoplayCommand{*frames};
+}
+
+ScriptCommand parseKey(Words& words) {
+  std::string_view direction = words.require("'down' or 'up'");
+  if (direction != "down" && direction != "up") throw BadLine{"key: expected 'down' or 'up', not " + quoted(direction)};
+  KeyCommand key;
+  key.down = direction == "down";
+  std::string_view name = words.require("key name");
+  auto code = parseKeyName(name);
+  if (!code) throw BadLine{"key: unknown key " + quoted(name)};
+  key.keyCode = *code;
+  if (key.down) {
+    if (auto modifier = words.next()) {
+      if (*modifier != "alt") throw BadLine{"key: expected 'alt', not " + quoted(*modifier)};
+      key.alt = true;
+    }
+  }
+  words.finish();
+  return key;
+}
+
+template <typename Command>
+ScriptCommand parseLocation(Words& words) {
+  double x = coordinate(words, "X");
+  double y = coordinate(words, "Y");
+  words.finish();
+  return Command{Point{x, y}};
+}
+
+ScriptCommand parseResize(Words& words) {
+  double width = extent(words, "width");
+  double height = extent(words, "height");
+  words.finish();
+  return ResizeCommand{Size{width, height}};
+}
+
+ScriptCommand parsePref(Words& words) {
+  std::string_view action = words.require("'set' or 'remove'");
+  if (action == "remove") {
+    PrefRemoveCommand remove{std::string(words.require("key"))};
+    words.finish();
+    return remove;
+  }
+  if (action != "set") throw BadLine{"pref: expected 'set' or 'remove', not " + quoted(action)};
+  std::string key(words.require("key"));
+  std::string_view type = words.require("type");
+  if (type == "string") {
+    // A string is the rest of the line, so that it may hold spaces.
+    std::string_view text = words.rest();
+    if (text.empty()) throw BadLine{"pref: missing value"};
+    return PrefSetCommand{key, std::string(text)};
+  }
+  std::string_view word = words.require("value");
+  PreferenceValue value;
+  if (type == "int") {
+    auto number = parseInteger<int64_t>(word);
+    if (!number) throw BadLine{"pref: int value must be a whole number, not " + quoted(word)};
+    value = *number;
+  } else if (type == "bool") {
+    if (word != "true" && word != "false") throw BadLine{"pref: bool value must be 'true' or 'false', not " + quoted(word)};
+    value = word == "true";
+  } else if (type == "float") {
+    float number = 0;
+    auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || end != word.data() + word.size()) throw BadLine{"pref: float value must be a number, not " + quoted(word)};
+    value = number;
+  } else {
+    throw BadLine{"pref: type must be int, bool, float or string, not " + quoted(type)};
+  }
+  words.finish();
+  return PrefSetCommand{key, value};
+}
+
+ScriptCommand parseScreenshot(Words& words) {
+  ScreenshotCommand screenshot{std::string(words.require("file name"))};
+  words.finish();
+  return screenshot;
+}
+
+template <typename Command>
+ScriptCommand parseBare(Words& words) {
+  words.finish();
+  return Command{};
+}
+
+ScriptCommand parseCommand(Words& words) {
+  std::string_view name = words.command();
+  if (name == "launch") return parseBare<LaunchCommand>(words);
+  if (name == "relaunch") return parseBare<RelaunchCommand>(words);
+  if (name == "step") return parseStep(words);
+  if (name == "autoplay") return parseAutoplay(words);
+  if (name == "key") return parseKey(words);
+  if (name == "click") return parseLocation<ClickCommand>(words);
+  if (name == "move") return parseLocation<MoveCommand>(words);
+  if (name == "resize") return parseResize(words);
+  if (name == "fullscreen") return parseBare<FullscreenCommand>(words);
+  if (name == "pref") return parsePref(words);
+  if (name == "dump") return parseBare<DumpCommand>(words);
+  if (name == "screenshot") return parseScreenshot(words);
+  throw BadLine{"unknown command " + quoted(name)};
+}
+
+}  // namespace
+
+ParsedLine parseScriptLine(std::string_view line) {
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  Words words(line);
+  if (words.empty() || words.command().front() == '#') return {};
+  try {
+    return {parseCommand(words), std::nullopt};
+  } catch (const BadLine& bad) {
+    return {std::nullopt, bad.reason};
+  }
+}
+
+std::optional<uint16_t> parseKeyName(std::string_view name) {
+  if (auto code = keyCodeForName(name)) return code;
+  return parseInteger<uint16_t>(name);
+}
+
+}  // namespace zb

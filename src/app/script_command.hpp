@@ -1,0 +1,63 @@
+#pragma once
+// One line of a headless script, parsed. Parsing only checks the words; running is the session's job.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "engine/geometry.hpp"
+#include "engine/preferences.hpp"
+
+namespace zb {
+
+struct LaunchCommand {};
+struct RelaunchCommand {};
+struct StepCommand {
+  uint64_t frames = 1;
+};
+struct AutoplayCommand {
+  uint64_t frames = 0;
+};
+struct KeyCommand {
+  bool down = true;
+  uint16_t keyCode = 0;
+  bool alt = false;
+};
+struct ClickCommand {
+  Point location;
+};
+struct MoveCommand {
+  Point location;
+};
+struct ResizeCommand {
+  Size size;
+};
+struct FullscreenCommand {};
+struct PrefSetCommand {
+  std::string key;
+  PreferenceValue value;
+};
+struct PrefRemoveCommand {
+  std::string key;
+};
+struct DumpCommand {};
+struct ScreenshotCommand {
+  std::string file;
+};
+
+using ScriptCommand = std::variant<LaunchCommand, RelaunchCommand, StepCommand, AutoplayCommand, KeyCommand,
+                                   ClickCommand, MoveCommand, ResizeCommand, FullscreenCommand, PrefSetCommand,
+                                   PrefRemoveCommand, DumpCommand, ScreenshotCommand>;
+
+struct ParsedLine {
+  std::optional<ScriptCommand> command;  // nothing for a blank or comment line
+  std::optional<std::string> error;      // why the line is malformed
+};
+
+ParsedLine parseScriptLine(std::string_view line);
+
+// A key name of the script (`space`, `down`, `a`, `7`, ...) or a decimal key code from 0 to 65535.
+std::optional<uint16_t> parseKeyName(std::string_view name);
+
+}  // namespace zb
