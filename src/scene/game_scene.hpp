@@ -241,6 +241,22 @@ class GameScene : public Scene {
 
  private:
   void initializeFields();
+
+  // ---- Private helpers (scene/, gameplay/) -------------------------------------------------------
+  void registerForFullScreenNotifications(View& view);  // scene/lifecycle.cpp
+  void hideCursorUntilMouseMoves();                      // scene/game_flow.cpp
+  void unhideCursor();                                   // scene/game_flow.cpp
+  void playJumpSound();                                  // scene/input.cpp
+  void playClickSound();                                 // scene/input.cpp
+  std::string buttonNameAt(Point pointInUILayer) const;  // scene/input.cpp
+  bool isPlayerGrounded() const;                         // gameplay/player_physics.cpp
+  double currentPlayerHeight() const;                    // gameplay/player_physics.cpp
+  void advanceRunCycle();                                // gameplay/player_physics.cpp
+  double playerHomeX() const;                            // gameplay/rig.cpp
+  ObstacleNodePtr buildObstacle(ObstacleType type);      // gameplay/obstacles.cpp
+  void dropLiveObstacles();                              // gameplay/obstacles.cpp
+  void raiseDifficulty();                                // gameplay/scoring.cpp
+
   GameServices services_;
 };
 
