@@ -1,17 +1,157 @@
-// Placeholder bodies until this subsystem is built.
+// Keyboard and mouse routing. Input moves nothing itself: it calls the transitions, sets the two
+// fields the physics reads (isDucking, the jump buffer) or changes a setting. Automatic key repeats
+// are ordinary presses on purpose.
+#include <algorithm>
+#include <string_view>
+
+#include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {
 
-void GameScene::keyDown(const KeyEvent&) {}
-void GameScene::keyUp(const KeyEvent&) {}
-void GameScene::mouseDown(const MouseEvent&) {}
-void GameScene::handleClick(Point) {}
-void GameScene::requestJump() {}
-void GameScene::toggleFullScreen() {}
-void GameScene::toggleMusic() {}
-void GameScene::volumeDown() {}
-void GameScene::volumeUp() {}
-void GameScene::toggleShowFPS() {}
+namespace {
+
+constexpr std::string_view kButtonPrefix = "btn_";
+
+// Music fades for the settings page, in seconds.
+constexpr double kMusicToggleFade = 0.1;
+constexpr double kVolumeStepFade = 0.05;
+constexpr float kVolumeStep = 0.1f;
+constexpr float kMaxVolume = 1.0f;
+
+bool isButtonName(const std::string& name) { return name.starts_with(kButtonPrefix); }
+
+// Clicks are routed by button name, first match wins. Restart on the pause page and the frame-rate
+// toggle make no click sound.
+struct ButtonRoute {
+  std::string_view name;
+  void (GameScene::*action)();
+  bool clicks;
+};
+constexpr ButtonRoute kButtonRoutes[] = {
+    {"btn_start", &GameScene::startGame, true},
+    {"btn_settings", &GameScene::openSettings, true},
+    {"btn_pause", &GameScene::pauseGame, true},
+    {"btn_resume", &GameScene::resumeGame, true},
+    {"btn_pause_menu", &GameScene::showMenu, true},
+    {"btn_retry", &GameScene::startGame, true},
+    {"btn_menu", &GameScene::showMenu, true},
+    {"btn_back", &GameScene::showMenu, true},
+    {"btn_fullscreen", &GameScene::toggleFullScreen, true},
+    {"btn_music", &GameScene::toggleMusic, true},
+    {"btn_vol_down", &GameScene::volumeDown, true},
+    {"btn_vol_up", &GameScene::volumeUp, true},
+    {"btn_pause_restart", &GameScene::startGame, false},
+    {"btn_fps", &GameScene::toggleShowFPS, false},
+};
+
+}  // namespace
+
+void GameScene::playJumpSound() { playSFX("jump", fallbackPath("jump.mp3")); }
+
+void GameScene::playClickSound() { playSFX("click", fallbackPath("click.mp3")); }
+
+void GameScene::requestJump() {
+  bufferedJumpFramesRemaining = jumpBufferFrames;
+  playJumpSound();
+}
+
+void GameScene::keyDown(const KeyEvent& event) {
+  switch (event.keyCode) {
+    case keycode::space:
+      switch (gameState) {
+        case GameState::menu:
+        case GameState::gameOver: startGame(); playJumpSound(); break;
+        case GameState::playing: requestJump(); break;
+        case GameState::settings: playJumpSound(); break;
+        case GameState::paused: resumeGame(); playJumpSound(); break;
+      }
+      break;
+    case keycode::p:
+      if (gameState == GameState::playing) {
+        pauseGame();
+      } else if (gameState == GameState::paused) {
+        resumeGame();
+      }
+      break;
+    case keycode::escape:
+      if (gameState == GameState::playing || gameState == GameState::settings) showMenu();
+      break;
+    case keycode::returnKey:
+    case keycode::keypadEnter:
+      if ((event.modifierFlags & kOptionModifierFlag) != 0) toggleFullScreen();
+      break;
+    case keycode::downArrow: isDucking = true; break;
+    default: break;
+  }
+}
+
+void GameScene::keyUp(const KeyEvent& event) {
+  if (event.keyCode == keycode::downArrow) isDucking = false;
+}
+
+void GameScene::mouseDown(const MouseEvent& event) {
+  handleClick(uiLayer->convertPointFrom(event.locationInScene, *this));
+  if (gameState == GameState::playing) requestJump();
+}
+
+std::string GameScene::buttonNameAt(Point pointInUILayer) const {
+  for (const Node* node : uiLayer->nodesAtPoint(pointInUILayer)) {
+    const Node* parent = node->parent();
+    const bool parentIsButton = parent != nullptr && isButtonName(parent->name);
+    if (!isButtonName(node->name) && !parentIsButton) continue;
+    // A named node routes by its own name, even when only its parent made it qualify.
+    if (!node->name.empty()) return node->name;
+    return parent != nullptr ? parent->name : std::string();
+  }
+  return {};
+}
+
+void GameScene::handleClick(Point pointInUILayer) {
+  const std::string name = buttonNameAt(pointInUILayer);
+  for (const ButtonRoute& route : kButtonRoutes) {
+    if (name != route.name) continue;
+    (this->*route.action)();
+    if (route.clicks) playClickSound();
+    return;
+  }
+}
+
+void GameScene::toggleFullScreen() {
+  if (View* v = view()) {
+    if (Window* window = v->window()) window->toggleFullScreen();
+  }
+  // The window may still be animating; the notification handlers set the final title.
+  updateFullscreenButtonTitle();
+}
+
+void GameScene::toggleMusic() {
+  settingMusicEnabled = !settingMusicEnabled;
+  fadeMusic(settingMusicEnabled ? settingMusicVolume : 0.0f, kMusicToggleFade);
+  refreshSettingsTexts();
+}
+
+void GameScene::volumeDown() {
+  const float lowered = settingMusicVolume - kVolumeStep;
+  settingMusicVolume = lowered >= 0.0f ? lowered : 0.0f;  // NaN also lands on 0
+  if (settingMusicEnabled) fadeMusic(settingMusicVolume, kVolumeStepFade);
+  refreshSettingsTexts();
+}
+
+void GameScene::volumeUp() {
+  settingMusicVolume = std::min(settingMusicVolume + kVolumeStep, kMaxVolume);
+  if (settingMusicEnabled) fadeMusic(settingMusicVolume, kVolumeStepFade);
+  refreshSettingsTexts();
+}
+
+void GameScene::toggleShowFPS() {
+  settingShowFPS = !settingShowFPS;
+  saveSettings();
+  refreshSettingsTexts();
+  if (View* v = view()) {
+    v->showsFPS = settingShowFPS;
+    v->showsNodeCount = settingShowFPS;
+  }
+}
 
 }  // namespace zb
