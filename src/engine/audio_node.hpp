@@ -8,6 +8,8 @@
 
 namespace zb {
 
+class SoundOutput;
+
 class AudioNode : public Node {
  public:
   explicit AudioNode(std::filesystem::path file);
@@ -26,9 +28,14 @@ class AudioNode : public Node {
   void willLeaveScene(Scene& scene) override;
 
  private:
+  friend class Scene;
+  void stopPlaying(bool tellOutput);
+
   std::filesystem::path file_;
   float volume_ = 1.0f;
   bool playing_ = false;
+  // The output of the view that started the loop; volume changes and the stop go there.
+  SoundOutput* output_ = nullptr;
 };
 
 using AudioNodePtr = std::shared_ptr<AudioNode>;

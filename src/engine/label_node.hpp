@@ -2,12 +2,15 @@
 // A text label. Its position is the baseline of the first line; the horizontal alignment decides
 // whether the text starts, is centred, or ends there. Frames come from the real font's metrics.
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engine/color.hpp"
 #include "engine/node.hpp"
 
 namespace zb {
+
+struct LabelLayout;
 
 enum class HorizontalAlignment { center = 0, left = 1, right = 2 };
 
@@ -43,8 +46,9 @@ class LabelNode : public Node {
   int numberOfLines_ = 1;
   double preferredMaxLayoutWidth_ = 0;
   unsigned long revision_ = 0;
-  mutable std::optional<std::optional<Rect>> cachedBounds_;
-  mutable unsigned long cachedRevision_ = ~0ul;
+  // The laid-out text, shared by measuring and drawing; rebuilt when the revision changes.
+  friend class LabelLayoutCache;
+  mutable std::shared_ptr<LabelLayout> layout_;
 };
 
 using LabelNodePtr = std::shared_ptr<LabelNode>;

@@ -86,10 +86,19 @@ class Node : public std::enable_shared_from_this<Node> {
   struct RunningAction;
   void notifyEnter(Scene& scene);
   void notifyLeave(Scene& scene);
+  void registerForActions();
+  // Advances this node's own actions by dt; completions of finished actions run afterwards.
+  void stepActions(double dt, bool pausedOnly);
+  AffineTransform transformToRoot() const;
+  // The accumulated frame without the zero-sized stand-in for content-less nodes.
+  std::optional<Rect> accumulatedContentFrame() const;
+  void collectNodesAt(Point p, std::vector<Node*>& out) const;
 
   Node* parent_ = nullptr;
   std::vector<NodePtr> children_;
   std::vector<std::unique_ptr<RunningAction>> actions_;
+  // The scene whose action registry lists this node; only compared, never dereferenced.
+  const Scene* actionRegistry_ = nullptr;
 };
 
 }  // namespace zb

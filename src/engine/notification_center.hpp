@@ -1,5 +1,7 @@
 #pragma once
 // Named notifications from the window to whoever registered for them.
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -26,8 +28,10 @@ class NotificationCenter {
     std::string name;
     const void* object;
     Handler handler;
+    std::uint64_t id;
   };
   std::vector<Entry> entries_;
+  std::uint64_t nextId_ = 0;
 };
 
 }  // namespace zb

@@ -3,6 +3,8 @@
 // hooks through which the view drives it.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <vector>
 
 #include "engine/color.hpp"
 #include "engine/input_event.hpp"
@@ -55,10 +57,17 @@ class Scene : public Node {
 
  private:
   friend class View;
+  friend class Node;
+  // Starts the looped audio of the tree when a view arrives, and marks it stopped when the view goes.
+  void startAudio();
+  void stopAudio(bool tellOutput);
+
   Size size_;
   View* view_ = nullptr;
   double time_ = 0;
   Random random_;
+  // Nodes that may have running actions, so that a frame does not walk the whole tree.
+  std::vector<std::weak_ptr<Node>> actionNodes_;
 };
 
 }  // namespace zb

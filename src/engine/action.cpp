@@ -1,0 +1,326 @@
+#include "engine/action.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "engine/audio_node.hpp"
+#include "engine/scene.hpp"
+#include "engine/view.hpp"
+
+namespace zb {
+
+namespace {
+
+// Accumulated frame times fall a hair short of round durations (27 steps of 1/60 s sum to a little
+// less than 0.45 s); a timed action counts as finished within this margin.
+constexpr double kTimeTolerance = 1e-9;
+
+// A timed action: subclasses map the normalised time t in [0, 1] onto the node.
+class TimedRun : public Action::Run {
+ public:
+  explicit TimedRun(double duration) : duration_(std::max(duration, 0.0)) {}
+
+  double step(Node& target, double dt) final {
+    elapsed_ += dt;
+    bool done = elapsed_ >= duration_ - kTimeTolerance;
+    update(target, done ? 1.0 : elapsed_ / duration_);
+    return done ? std::max(elapsed_ - duration_, 0.0) : -1.0;
+  }
+
+ protected:
+  virtual void update(Node& target, double t) = 0;
+
+ private:
+  double duration_;
+  double elapsed_ = 0;
+};
+
+class TimedAction : public Action {
+ public:
+  explicit TimedAction(double duration) : duration_(std::max(duration, 0.0)) {}
+  double duration() const override { return duration_; }
+
+ protected:
+  double duration_;
+};
+
+// Moves by a total offset, applying only the change since its last step so that moves add up. While
+// nothing else moves the node it places it at start + total * t, so a move ends exactly on its target.
+class MoveByRun final : public TimedRun {
+ public:
+  MoveByRun(const Node& target, Point delta, double duration)
+      : TimedRun(duration), delta_(delta), start_(target.position), lastWritten_(target.position) {}
+
+ protected:
+  void update(Node& target, double t) override {
+    Point applied{delta_.x * t, delta_.y * t};
+    if (target.position == lastWritten_) {
+      target.position = {start_.x + applied.x, start_.y + applied.y};
+    } else {
+      target.position.x += applied.x - applied_.x;
+      target.position.y += applied.y - applied_.y;
+      start_ = {target.position.x - applied.x, target.position.y - applied.y};
+    }
+    applied_ = applied;
+    lastWritten_ = target.position;
+  }
+
+ private:
+  Point delta_;
+  Point start_;
+  Point lastWritten_;
+  Point applied_;
+};
+
+class MoveBy final : public TimedAction {
+ public:
+  MoveBy(Point delta, double duration) : TimedAction(duration), delta_(delta) {}
+  std::unique_ptr<Run> start(Node& target) const override {
+    return std::make_unique<MoveByRun>(target, delta_, duration_);
+  }
+
+ private:
+  Point delta_;
+};
+
+class MoveToXRun final : public TimedRun {
+ public:
+  MoveToXRun(const Node& target, double x, double duration) : TimedRun(duration), from_(target.position.x), to_(x) {}
+
+ protected:
+  void update(Node& target, double t) override { target.position.x = t >= 1 ? to_ : from_ + (to_ - from_) * t; }
+
+ private:
+  double from_;
+  double to_;
+};
+
+class MoveToX final : public TimedAction {
+ public:
+  MoveToX(double x, double duration) : TimedAction(duration), x_(x) {}
+  std::unique_ptr<Run> start(Node& target) const override {
+    return std::make_unique<MoveToXRun>(target, x_, duration_);
+  }
+
+ private:
+  double x_;
+};
+
+class FadeOutRun final : public TimedRun {
+ public:
+  FadeOutRun(const Node& target, double duration) : TimedRun(duration), from_(target.alpha) {}
+
+ protected:
+  void update(Node& target, double t) override { target.alpha = t >= 1 ? 0.0 : from_ * (1 - t); }
+
+ private:
+  double from_;
+};
+
+class FadeOut final : public TimedAction {
+ public:
+  using TimedAction::TimedAction;
+  std::unique_ptr<Run> start(Node& target) const override { return std::make_unique<FadeOutRun>(target, duration_); }
+};
+
+// Additive like the move, for the same reason.
+class RotateByRun final : public TimedRun {
+ public:
+  RotateByRun(const Node& target, double angle, double duration)
+      : TimedRun(duration), angle_(angle), start_(target.zRotation), lastWritten_(target.zRotation) {}
+
+ protected:
+  void update(Node& target, double t) override {
+    double applied = angle_ * t;
+    if (target.zRotation == lastWritten_) {
+      target.zRotation = start_ + applied;
+    } else {
+      target.zRotation += applied - applied_;
+      start_ = target.zRotation - applied;
+    }
+    applied_ = applied;
+    lastWritten_ = target.zRotation;
+  }
+
+ private:
+  double angle_;
+  double start_;
+  double lastWritten_;
+  double applied_ = 0;
+};
+
+class RotateBy final : public TimedAction {
+ public:
+  RotateBy(double angle, double duration) : TimedAction(duration), angle_(angle) {}
+  std::unique_ptr<Run> start(Node& target) const override {
+    return std::make_unique<RotateByRun>(target, angle_, duration_);
+  }
+
+ private:
+  double angle_;
+};
+
+class ChangeVolumeRun final : public TimedRun {
+ public:
+  ChangeVolumeRun(Node& target, float volume, double duration)
+      : TimedRun(duration), audio_(dynamic_cast<AudioNode*>(&target)), to_(volume) {
+    if (audio_) from_ = audio_->volume();
+  }
+
+ protected:
+  void update(Node&, double t) override {
+    if (audio_) audio_->setVolume(t >= 1 ? to_ : static_cast<float>(from_ + (to_ - from_) * t));
+  }
+
+ private:
+  AudioNode* audio_;
+  float from_ = 0;
+  float to_;
+};
+
+class ChangeVolumeTo final : public TimedAction {
+ public:
+  ChangeVolumeTo(float volume, double duration) : TimedAction(duration), volume_(volume) {}
+  bool runsWhilePaused() const override { return true; }
+  std::unique_ptr<Run> start(Node& target) const override {
+    return std::make_unique<ChangeVolumeRun>(target, volume_, duration_);
+  }
+
+ private:
+  float volume_;
+};
+
+// An action that does its work once, at its first step, and passes all of that step's time on.
+class InstantRun final : public Action::Run {
+ public:
+  explicit InstantRun(std::function<void(Node&)> effect) : effect_(std::move(effect)) {}
+  double step(Node& target, double dt) override {
+    effect_(target);
+    return dt;
+  }
+
+ private:
+  std::function<void(Node&)> effect_;
+};
+
+class PlaySoundFile final : public Action {
+ public:
+  explicit PlaySoundFile(std::filesystem::path file) : file_(std::move(file)) {}
+  double duration() const override { return 0; }
+  std::unique_ptr<Run> start(Node&) const override {
+    return std::make_unique<InstantRun>([file = file_](Node& target) {
+      Scene* scene = target.scene();
+      if (scene && scene->view()) scene->view()->soundOutput().playEffect(file);
+    });
+  }
+
+ private:
+  std::filesystem::path file_;
+};
+
+class RemoveFromParent final : public Action {
+ public:
+  double duration() const override { return 0; }
+  std::unique_ptr<Run> start(Node&) const override {
+    return std::make_unique<InstantRun>([](Node& target) { target.removeFromParent(); });
+  }
+};
+
+// Runs its parts one after another; time left over when a part finishes goes on into the next part
+// within the same step.
+class SequenceRun final : public Action::Run {
+ public:
+  explicit SequenceRun(const std::vector<ActionPtr>& parts) : parts_(parts) {}
+
+  double step(Node& target, double dt) override {
+    while (index_ < parts_.size()) {
+      if (!current_) current_ = parts_[index_]->start(target);
+      double left = current_->step(target, dt);
+      if (left < 0) return -1.0;
+      current_.reset();
+      ++index_;
+      dt = left;
+    }
+    return dt;
+  }
+
+ private:
+  const std::vector<ActionPtr>& parts_;
+  std::size_t index_ = 0;
+  std::unique_ptr<Action::Run> current_;
+};
+
+class Sequence final : public Action {
+ public:
+  explicit Sequence(std::vector<ActionPtr> parts) : parts_(std::move(parts)) {
+    std::erase(parts_, nullptr);
+    for (const ActionPtr& part : parts_) duration_ += part->duration();
+  }
+  double duration() const override { return duration_; }
+  bool runsWhilePaused() const override {
+    return !parts_.empty() &&
+           std::all_of(parts_.begin(), parts_.end(), [](const ActionPtr& p) { return p->runsWhilePaused(); });
+  }
+  std::unique_ptr<Run> start(Node&) const override { return std::make_unique<SequenceRun>(parts_); }
+
+ private:
+  std::vector<ActionPtr> parts_;
+  double duration_ = 0;
+};
+
+class RepeatForeverRun final : public Action::Run {
+ public:
+  explicit RepeatForeverRun(const Action& action) : action_(action) {}
+
+  double step(Node& target, double dt) override {
+    // An action that takes no time repeats once per step rather than forever within one step.
+    bool once = action_.duration() <= 0;
+    for (;;) {
+      if (!current_) current_ = action_.start(target);
+      double left = current_->step(target, dt);
+      if (left < 0) return -1.0;
+      current_.reset();
+      if (once || left <= 0) return -1.0;
+      dt = left;
+    }
+  }
+
+ private:
+  const Action& action_;
+  std::unique_ptr<Action::Run> current_;
+};
+
+class RepeatForever final : public Action {
+ public:
+  explicit RepeatForever(ActionPtr action) : action_(std::move(action)) {}
+  double duration() const override { return std::numeric_limits<double>::infinity(); }
+  bool runsWhilePaused() const override { return action_->runsWhilePaused(); }
+  std::unique_ptr<Run> start(Node&) const override { return std::make_unique<RepeatForeverRun>(*action_); }
+
+ private:
+  ActionPtr action_;
+};
+
+}  // namespace
+
+namespace actions {
+
+ActionPtr moveBy(double dx, double dy, double duration) { return std::make_shared<MoveBy>(Point{dx, dy}, duration); }
+ActionPtr moveToX(double x, double duration) { return std::make_shared<MoveToX>(x, duration); }
+ActionPtr fadeOut(double duration) { return std::make_shared<FadeOut>(duration); }
+ActionPtr rotateBy(double angle, double duration) { return std::make_shared<RotateBy>(angle, duration); }
+ActionPtr changeVolumeTo(float volume, double duration) { return std::make_shared<ChangeVolumeTo>(volume, duration); }
+ActionPtr playSoundFile(std::filesystem::path file) { return std::make_shared<PlaySoundFile>(std::move(file)); }
+ActionPtr removeFromParent() { return std::make_shared<RemoveFromParent>(); }
+ActionPtr sequence(std::vector<ActionPtr> parts) { return std::make_shared<Sequence>(std::move(parts)); }
+
+ActionPtr repeatForever(ActionPtr action) {
+  if (!action) action = sequence({});
+  return std::make_shared<RepeatForever>(std::move(action));
+}
+
+}  // namespace actions
+
+}  // namespace zb
+

@@ -1,0 +1,23 @@
+#include "engine/shape_node.hpp"
+
+#include <utility>
+
+namespace zb {
+
+std::shared_ptr<ShapeNode> ShapeNode::withPath(Path p) {
+  auto node = std::make_shared<ShapeNode>();
+  node->path = std::move(p);
+  return node;
+}
+
+std::shared_ptr<ShapeNode> ShapeNode::withRect(const Rect& r, double cornerRadius) {
+  return withPath(cornerRadius > 0 ? Path::roundedRect(r, cornerRadius) : Path::rect(r));
+}
+
+std::shared_ptr<ShapeNode> ShapeNode::withRectOfSize(Size size) { return withPath(Path::rectCentered(size)); }
+
+std::shared_ptr<ShapeNode> ShapeNode::withCircleOfRadius(double radius) { return withPath(Path::circle(radius)); }
+
+std::optional<Rect> ShapeNode::contentBounds() const { return path.strokedBoundingBox(lineWidth); }
+
+}  // namespace zb
