@@ -1,0 +1,276 @@
+#include "platform/renderer.hpp"
+
+#include <cairo.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/label_node.hpp"
+#include "engine/scene.hpp"
+#include "engine/shape_node.hpp"
+#include "engine/text_layout.hpp"
+
+namespace zb {
+
+namespace {
+
+constexpr double kCounterFontSize = 11;
+constexpr double kCounterMargin = 4;
+constexpr double kCounterPadding = 4;
+constexpr double kCounterLineSpacing = 1.3;  // line advance, in font sizes
+constexpr Color kCounterTextColor = Color::white();
+constexpr Color kCounterBackdropColor = Color::rgba(0, 0, 0, 0.55);
+// Transforms whose determinant is smaller than this squash a subtree to nothing.
+constexpr double kMinDeterminant = 1e-12;
+
+enum class DrawKind : uint8_t { shape, label };
+
+struct DrawItem {
+  const Node* node;
+  DrawKind kind;
+  double z;          // accumulated through the parents
+  double alpha;      // multiplied down the tree
+  uint32_t order;    // position in the tree walk, to keep ties stable
+  cairo_matrix_t toScene;
+};
+
+// Reused from frame to frame, so collecting the draw list allocates only when the scene grows.
+thread_local std::vector<DrawItem> tDrawList;
+
+cairo_matrix_t placementOf(const Node& node) {
+  if (node.zRotation == 0) return {node.xScale, 0, 0, node.yScale, node.position.x, node.position.y};
+  const double c = std::cos(node.zRotation);
+  const double s = std::sin(node.zRotation);
+  // Scale, then rotate counter-clockwise, then translate.
+  return {c * node.xScale, s * node.xScale, -s * node.yScale, c * node.yScale, node.position.x, node.position.y};
+}
+
+bool isDrawableTransform(const cairo_matrix_t& m) {
+  const double det = m.xx * m.yy - m.xy * m.yx;
+  return std::isfinite(det) && std::abs(det) > kMinDeterminant && std::isfinite(m.x0) && std::isfinite(m.y0);
+}
+
+void collectDrawables(const Node& parent, const cairo_matrix_t& parentToScene, double parentAlpha,
+                      double parentZ, std::vector<DrawItem>& out) {
+  for (const NodePtr& childPtr : parent.children()) {
+    const Node& child = *childPtr;
+    if (child.hidden) continue;
+    const double alpha = parentAlpha * child.alpha;
+    if (!(alpha > 0)) continue;  // a transparent node hides its whole subtree, NaN included
+    const double z = parentZ + (std::isfinite(child.zPosition) ? child.zPosition : 0);
+    const cairo_matrix_t local = placementOf(child);
+    cairo_matrix_t toScene;
+    cairo_matrix_multiply(&toScene, &local, &parentToScene);
+    if (!isDrawableTransform(toScene)) continue;
+
+    if (dynamic_cast<const ShapeNode*>(&child) != nullptr) {
+      out.push_back({&child, DrawKind::shape, z, alpha, static_cast<uint32_t>(out.size()), toScene});
+    } else if (dynamic_cast<const LabelNode*>(&child) != nullptr) {
+      out.push_back({&child, DrawKind::label, z, alpha, static_cast<uint32_t>(out.size()), toScene});
+    }
+    collectDrawables(child, toScene, alpha, z, out);
+  }
+}
+
+void setSource(cairo_t* cr, const Color& color, double alpha) {
+  cairo_set_source_rgba(cr, color.r, color.g, color.b, std::clamp(color.a * alpha, 0.0, 1.0));
+}
+
+void appendPath(cairo_t* cr, const Path& path) {
+  cairo_new_path(cr);
+  for (const Path::Element& e : path.elements()) {
+    switch (e.kind) {
+      case Path::Kind::moveTo:
+        cairo_move_to(cr, e.point.x, e.point.y);
+        break;
+      case Path::Kind::lineTo:
+        cairo_line_to(cr, e.point.x, e.point.y);
+        break;
+      case Path::Kind::arc:
+        // User space is y-up here, so increasing angles run counter-clockwise on screen.
+        cairo_arc(cr, e.center.x, e.center.y, e.radius, e.startAngle, e.endAngle);
+        break;
+      case Path::Kind::close:
+        cairo_close_path(cr);
+        break;
+    }
+  }
+}
+
+cairo_line_cap_t cairoCap(LineCap cap) {
+  switch (cap) {
+    case LineCap::round:
+      return CAIRO_LINE_CAP_ROUND;
+    case LineCap::square:
+      return CAIRO_LINE_CAP_SQUARE;
+    case LineCap::butt:
+      break;
+  }
+  return CAIRO_LINE_CAP_BUTT;
+}
+
+void drawShape(cairo_t* cr, const ShapeNode& shape, double alpha) {
+  const bool fills = shape.fillColor.a > 0;
+  const bool strokes = shape.strokeColor.a > 0 && shape.lineWidth > 0;
+  if (shape.path.isEmpty() || (!fills && !strokes)) return;
+  appendPath(cr, shape.path);
+  if (fills) {
+    setSource(cr, shape.fillColor, alpha);
+    cairo_fill_preserve(cr);
+  }
+  if (strokes) {
+    setSource(cr, shape.strokeColor, alpha);
+    cairo_set_line_width(cr, shape.lineWidth);
+    cairo_set_line_cap(cr, cairoCap(shape.lineCap));
+    cairo_stroke_preserve(cr);
+  }
+  cairo_new_path(cr);
+}
+
+void drawScene(cairo_t* cr, const Scene& scene, const cairo_matrix_t& sceneToDevice) {
+  std::vector<DrawItem>& items = tDrawList;
+  items.clear();
+  cairo_matrix_t identity;
+  cairo_matrix_init_identity(&identity);
+  collectDrawables(scene, identity, std::isfinite(scene.alpha) ? scene.alpha : 1.0, 0, items);
+
+  const auto byDepth = [](const DrawItem& a, const DrawItem& b) {
+    return a.z < b.z || (a.z == b.z && a.order < b.order);
+  };
+  if (!std::is_sorted(items.begin(), items.end(), byDepth)) std::sort(items.begin(), items.end(), byDepth);
+
+  cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
+  for (const DrawItem& item : items) {
+    cairo_matrix_t toDevice;
+    cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
+    cairo_set_matrix(cr, &toDevice);
+    if (item.kind == DrawKind::shape) {
+      drawShape(cr, static_cast<const ShapeNode&>(*item.node), item.alpha);
+    } else {
+      drawLabelText(cr, static_cast<const LabelNode&>(*item.node), item.alpha);
+    }
+  }
+}
+
+// The two counter lines, kept between frames so that their text is laid out again only on change.
+struct CounterLabels {
+  CounterLabels() {
+    for (LabelNode* label : {&fps, &nodes}) {
+      label->setFontSize(kCounterFontSize);
+      label->fontColor = kCounterTextColor;
+      label->horizontalAlignment = HorizontalAlignment::right;
+    }
+  }
+  LabelNode fps;
+  LabelNode nodes;
+};
+
+void setTextIfChanged(LabelNode& label, const std::string& text) {
+  if (label.text() != text) label.setText(text);
+}
+
+// The counters sit in the lower-right corner on a dark backdrop, frame rate on the bottom line.
+void drawCounters(cairo_t* cr, const View& view, double framesPerSecond, const cairo_matrix_t& sceneToDevice) {
+  thread_local CounterLabels counters;
+  std::array<LabelNode*, 2> slots{};
+  std::size_t lineCount = 0;
+  if (view.showsFPS) {
+    const long rounded = std::isfinite(framesPerSecond) ? std::lround(std::max(0.0, framesPerSecond)) : 0;
+    setTextIfChanged(counters.fps, std::to_string(rounded) + " fps");
+    slots[lineCount++] = &counters.fps;
+  }
+  if (view.showsNodeCount) {
+    const std::size_t count = view.scene() != nullptr ? view.scene()->nodeCount() : 0;
+    setTextIfChanged(counters.nodes, std::to_string(count) + " nodes");
+    slots[lineCount++] = &counters.nodes;
+  }
+
+  const std::span<LabelNode*> lines(slots.data(), lineCount);
+  const double right = view.size().width - kCounterMargin - kCounterPadding;
+  double baseline = kCounterMargin + kCounterPadding;
+  std::optional<Rect> backdrop;
+  for (LabelNode* label : lines) {
+    const std::optional<Rect> bounds = measureLabel(*label);
+    if (!bounds) continue;
+    if (label == lines.front()) baseline -= bounds->minY();  // lift the descenders off the margin
+    label->position = {right, baseline};
+    const Rect placed = Rect::make(bounds->minX() + right, bounds->minY() + baseline, bounds->width(), bounds->height());
+    backdrop = backdrop ? backdrop->unionWith(placed) : placed;
+    baseline += kCounterFontSize * kCounterLineSpacing;
+  }
+  if (!backdrop) return;
+
+  cairo_set_matrix(cr, &sceneToDevice);
+  const Rect box = backdrop->insetBy(-kCounterPadding, -kCounterPadding);
+  cairo_rectangle(cr, box.minX(), box.minY(), box.width(), box.height());
+  setSource(cr, kCounterBackdropColor, 1);
+  cairo_fill(cr);
+  for (LabelNode* label : lines) {
+    cairo_matrix_t toDevice;
+    const cairo_matrix_t placement = placementOf(*label);
+    cairo_matrix_multiply(&toDevice, &placement, &sceneToDevice);
+    cairo_set_matrix(cr, &toDevice);
+    drawLabelText(cr, *label, 1);
+  }
+}
+
+// Whole pixels covering a length in points, at least one and within what cairo can allocate.
+int pixelExtent(double points) {
+  if (!std::isfinite(points)) return 1;
+  return static_cast<int>(std::ceil(std::clamp(points, 1.0, 32767.0)));
+}
+
+}  // namespace
+
+void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond) {
+  if (!(pixelScale > 0) || !std::isfinite(pixelScale)) pixelScale = 1;
+  const Size size = view.size();
+  cairo_save(cr);
+
+  // The window starts black; a translucent background shows that black through.
+  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+  cairo_set_source_rgb(cr, 0, 0, 0);
+  cairo_paint(cr);
+  cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+
+  // Scene points have y up: flip once here, every node draws in its own y-up coordinates.
+  cairo_scale(cr, pixelScale, pixelScale);
+  cairo_translate(cr, 0, size.height);
+  cairo_scale(cr, 1, -1);
+  cairo_matrix_t sceneToDevice;
+  cairo_get_matrix(cr, &sceneToDevice);
+
+  if (const Scene* scene = view.scene()) {
+    setSource(cr, scene->backgroundColor, 1);
+    cairo_paint(cr);
+    drawScene(cr, *scene, sceneToDevice);
+  }
+  if (view.showsFPS || view.showsNodeCount) drawCounters(cr, view, framesPerSecond, sceneToDevice);
+  cairo_restore(cr);
+}
+
+bool Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
+  const Size size = view.scene() != nullptr ? view.scene()->size() : view.size();
+  const int width = pixelExtent(size.width);
+  const int height = pixelExtent(size.height);
+  // The window's pixels are opaque, so the picture is too.
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(surface);
+    return false;
+  }
+  cairo_t* cr = cairo_create(surface);
+  draw(cr, view, 1.0, framesPerSecond);
+  cairo_destroy(cr);
+  cairo_surface_flush(surface);
+  const cairo_status_t status = cairo_surface_write_to_png(surface, file.c_str());
+  cairo_surface_destroy(surface);
+  return status == CAIRO_STATUS_SUCCESS;
+}
+
+}  // namespace zb
