@@ -1,0 +1,82 @@
+#include "platform/sdl_window.hpp"
+
+#include <SDL.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zb {
+
+namespace {
+
+int windowExtent(double points, double minimum) {
+  if (!std::isfinite(points)) return static_cast<int>(minimum);
+  return static_cast<int>(std::lround(std::clamp(points, minimum, 16384.0)));
+}
+
+}  // namespace
+
+std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::string& error) {
+  Uint32 flags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
+  if (fullScreen) flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+  SDL_Window* window = SDL_CreateWindow(kTitle, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+                                        windowExtent(size.width, kMinimumSize.width),
+                                        windowExtent(size.height, kMinimumSize.height), flags);
+  if (window == nullptr) {
+    error = SDL_GetError();
+    return nullptr;
+  }
+  SDL_SetWindowMinimumSize(window, static_cast<int>(kMinimumSize.width), static_cast<int>(kMinimumSize.height));
+  return std::unique_ptr<SdlWindow>(new SdlWindow(window));
+}
+
+SdlWindow::~SdlWindow() { SDL_DestroyWindow(window_); }
+
+bool SdlWindow::isFullScreen() const {
+  return (SDL_GetWindowFlags(window_) & SDL_WINDOW_FULLSCREEN) != 0 || coversItsDisplay();
+}
+
+bool SdlWindow::coversItsDisplay() const {
+  const int display = SDL_GetWindowDisplayIndex(window_);
+  SDL_Rect bounds;
+  if (display < 0 || SDL_GetDisplayBounds(display, &bounds) != 0) return false;
+  int x = 0, y = 0, w = 0, h = 0;
+  SDL_GetWindowPosition(window_, &x, &y);
+  SDL_GetWindowSize(window_, &w, &h);
+  const bool borderless = (SDL_GetWindowFlags(window_) & SDL_WINDOW_BORDERLESS) != 0;
+  // A decorated window that only fills the screen has its title bar off the content; a full-screen one does not.
+  return x == bounds.x && y == bounds.y && w == bounds.w && h == bounds.h && !borderless &&
+         (SDL_GetWindowFlags(window_) & SDL_WINDOW_MAXIMIZED) == 0;
+}
+
+void SdlWindow::toggleFullScreen() {
+  if ((SDL_GetWindowFlags(window_) & SDL_WINDOW_FULLSCREEN) != 0) {
+    SDL_SetWindowFullscreen(window_, 0);
+  } else if (coversItsDisplay()) {
+    // SDL ignores leaving a full screen it did not enter: claim it first, then leave it.
+    SDL_SetWindowFullscreen(window_, SDL_WINDOW_FULLSCREEN_DESKTOP);
+    SDL_SetWindowFullscreen(window_, 0);
+  } else {
+    SDL_SetWindowFullscreen(window_, SDL_WINDOW_FULLSCREEN_DESKTOP);
+  }
+}
+
+void SdlWindow::postFullScreenChanges(NotificationCenter& center) {
+  const bool fullScreen = isFullScreen();
+  if (fullScreen == postedFullScreen_) return;
+  postedFullScreen_ = fullScreen;
+  center.post(fullScreen ? kWindowDidEnterFullScreenNotification : kWindowDidExitFullScreenNotification,
+              static_cast<const Window*>(this));
+}
+
+Size SdlWindow::sizeInPoints() const {
+  int w = 0, h = 0;
+  SDL_GetWindowSize(window_, &w, &h);
+  return {static_cast<double>(w), static_cast<double>(h)};
+}
+
+bool SdlWindow::isMinimized() const {
+  return (SDL_GetWindowFlags(window_) & (SDL_WINDOW_MINIMIZED | SDL_WINDOW_HIDDEN)) != 0;
+}
+
+}  // namespace zb

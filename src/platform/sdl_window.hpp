@@ -1,0 +1,51 @@
+#pragma once
+// The game's one SDL window: resizable, able to go full screen over the desktop, drawn at the display's
+// pixel density. It is the Window the scene sees, and it tells the scene when full screen changes.
+#include <memory>
+#include <string>
+
+#include "engine/geometry.hpp"
+#include "engine/notification_center.hpp"
+#include "engine/view.hpp"
+
+struct SDL_Window;
+
+namespace zb {
+
+class SdlWindow final : public Window {
+ public:
+  static constexpr Size kDefaultSize{960, 540};
+  static constexpr Size kMinimumSize{320, 200};
+  static constexpr const char* kTitle = "Zindlebop";
+
+  // Needs SDL's video subsystem. Nothing when the window cannot be made; `error` then says why.
+  static std::unique_ptr<SdlWindow> open(Size size, bool fullScreen, std::string& error);
+  ~SdlWindow() override;
+  SdlWindow(const SdlWindow&) = delete;
+  SdlWindow& operator=(const SdlWindow&) = delete;
+
+  // Full screen whether we asked for it or the window manager did.
+  bool isFullScreen() const override;
+  // Flips SDL's desktop full screen; the notification follows from postFullScreenChanges.
+  void toggleFullScreen() override;
+
+  // Posts the enter or exit notification, with this window as the object, when the full-screen state
+  // differs from the one last posted. The loop calls it once a pass; the first call after opening in
+  // full screen posts the enter notification.
+  void postFullScreenChanges(NotificationCenter& center);
+
+  SDL_Window* handle() const { return window_; }
+  // The content size in points (not pixels).
+  Size sizeInPoints() const;
+  bool isMinimized() const;
+
+ private:
+  explicit SdlWindow(SDL_Window* window) : window_(window) {}
+  // A window the window manager stretched over a whole display without SDL knowing counts as full screen.
+  bool coversItsDisplay() const;
+
+  SDL_Window* window_;
+  bool postedFullScreen_ = false;
+};
+
+}  // namespace zb
