@@ -1,0 +1,76 @@
+#include "app/windowed_app.hpp"
+
+#include <SDL.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "engine/random.hpp"
+#include "engine/text_layout.hpp"
+#include "platform/frame_loop.hpp"
+#include "platform/mixer_sound.hpp"
+#include "platform/preferences_file.hpp"
+#include "platform/resource_paths.hpp"
+#include "platform/sdl_view.hpp"
+#include "platform/sdl_window.hpp"
+#include "platform/window_canvas.hpp"
+#include "scene/game_scene.hpp"
+
+namespace zb {
+
+namespace {
+
+// SDL stays initialised exactly as long as this lives.
+struct SdlVideo {
+  bool ok = SDL_Init(SDL_INIT_VIDEO) == 0;
+  ~SdlVideo() { SDL_Quit(); }
+};
+
+std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size) {
+  auto scene = std::make_shared<GameScene>(size);
+  GameServices services;
+  services.preferences = std::make_shared<FilePreferences>(
+      options.prefsFile ? std::filesystem::path(*options.prefsFile) : FilePreferences::defaultLocation());
+  services.bundle = ResourceBundle(defaultResourceFolder());
+  services.fallbackFolder = defaultFallbackFolder();
+  scene->setServices(std::move(services));
+  scene->random().seed(options.seed ? *options.seed : freshSeed());
+  return scene;
+}
+
+int failWith(const char* what, const std::string& error) {
+  std::fprintf(stderr, "zindlebop: %s (SDL: %s)\n", what, error.c_str());
+  return 1;
+}
+
+}  // namespace
+
+int runWindowedGame(const CommandLineOptions& options) {
+  SdlVideo video;
+  if (!video.ok) {
+    std::fprintf(stderr, "zindlebop: no display available (SDL: %s); set DISPLAY or use --headless\n", SDL_GetError());
+    return kExitNoDisplay;
+  }
+  std::string error;
+  std::unique_ptr<SdlWindow> window = SdlWindow::open(options.size.value_or(SdlWindow::kDefaultSize), options.fullScreen, error);
+  if (!window) return failWith("cannot open a window", error);
+  std::unique_ptr<WindowCanvas> canvas = WindowCanvas::create(window->handle(), error);
+  if (!canvas) return failWith("cannot draw into the window", error);
+  SDL_StopTextInput();  // keys only; no input-method popups over the game
+  installFontAliases();
+
+  // Without an audio device the game plays silent.
+  std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();
+  SdlView view(window->sizeInPoints(), window.get(), sound.get());
+  view.presentScene(makeGameScene(options, view.size()));
+  // Drawing order comes from z positions alone; the scene switches the counters off in its menu.
+  view.ignoresSiblingOrder = true;
+  view.showsFPS = true;
+  view.showsNodeCount = true;
+
+  runFrameLoop(view, *window, *canvas, {options.frameLimit});
+  view.dismissScene();  // the music stops while the sound output still exists
+  return 0;
+}
+
+}  // namespace zb
