@@ -1,0 +1,129 @@
+#pragma once
+// A GameScene attached to an in-memory view at a chosen size, with a seeded random source, a private
+// preferences store and a folder of (silent) sound files, so tests can drive the game through keys,
+// clicks and frames and see what it asks of its view: sounds, cursor, counters, full-screen.
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <unistd.h>
+
+#include "engine/input_event.hpp"
+#include "engine/preferences.hpp"
+#include "engine/view.hpp"
+#include "scene/game_scene.hpp"
+
+namespace zb::test {
+
+// A window whose full-screen state flips at once when asked.
+class TestWindow final : public Window {
+ public:
+  bool isFullScreen() const override { return fullScreen; }
+  void toggleFullScreen() override {
+    fullScreen = !fullScreen;
+    ++toggles;
+  }
+  bool fullScreen = false;
+  int toggles = 0;
+};
+
+// Writes down the stem of every effect played ("jump", "click", ...).
+class TestSoundOutput final : public SoundOutput {
+ public:
+  bool playEffect(const std::filesystem::path& file) override {
+    effects.push_back(file.stem().string());
+    return true;
+  }
+  void startLoop(const AudioNode&) override {}
+  void setLoopVolume(const AudioNode&, float) override {}
+  void stopLoop(const AudioNode&) override {}
+  // Effects since the last call.
+  std::vector<std::string> take() { return std::exchange(effects, {}); }
+  std::vector<std::string> effects;
+};
+
+class TestView final : public View {
+ public:
+  explicit TestView(Size size) : View(size) {}
+  Window* window() override { return hasWindow ? &testWindow : nullptr; }
+  void hideCursorUntilMouseMoves() override { cursorHidden = true; }
+  void unhideCursor() override { cursorHidden = false; }
+  SoundOutput& soundOutput() override { return sounds; }
+
+  TestWindow testWindow;
+  TestSoundOutput sounds;
+  bool hasWindow = true;
+  bool cursorHidden = false;
+};
+
+// Empty files stand in for the sounds: the test output never decodes them. They sit in the fallback
+// folder, which plays at once rather than at the next frame.
+inline std::filesystem::path makeSoundFolder() {
+  namespace fs = std::filesystem;
+  static const fs::path folder = [] {
+    fs::path dir = fs::temp_directory_path() / ("zb-test-sounds-" + std::to_string(::getpid()));
+    fs::create_directories(dir / "Babylaughs");
+    for (const char* name : {"jump", "click", "explosion", "bg-music"}) std::ofstream(dir / (std::string(name) + ".mp3"));
+    for (int i = 1; i <= 4; ++i) std::ofstream(dir / "Babylaughs" / ("baby-laugh-" + std::to_string(i) + ".mp3"));
+    return dir;
+  }();
+  return folder;
+}
+
+struct SceneOptions {
+  Size size{800, 600};
+  uint64_t seed = 1;
+  bool withSounds = true;
+  bool withWindow = true;
+  std::shared_ptr<MemoryPreferences> preferences = std::make_shared<MemoryPreferences>();
+};
+
+class AttachedScene {
+ public:
+  explicit AttachedScene(SceneOptions options = {})
+      : preferences(options.preferences), view(std::make_unique<TestView>(options.size)) {
+    scene = std::make_shared<GameScene>(options.size);
+    GameServices services;
+    services.preferences = preferences;
+    if (options.withSounds) services.fallbackFolder = makeSoundFolder();
+    scene->setServices(std::move(services));
+    scene->random().seed(options.seed);
+    view->hasWindow = options.withWindow;
+    view->presentScene(scene);
+  }
+  ~AttachedScene() { view->dismissScene(); }
+
+  GameScene& operator*() const { return *scene; }
+  GameScene* operator->() const { return scene.get(); }
+
+  void step(int frames = 1) {
+    for (int i = 0; i < frames; ++i) view->stepFrame();
+  }
+  void press(uint16_t keyCode, uint64_t modifiers = 0) { view->keyDown(KeyEvent{keyCode, modifiers, false}); }
+  void release(uint16_t keyCode) { view->keyUp(KeyEvent{keyCode, 0, false}); }
+  void click(Point pointInScene) { view->mouseDown(pointInScene); }
+  // The middle of the node's frame, in scene coordinates.
+  Point centreOf(const Node& node) const {
+    return node.parent()->convertPointTo(node.frame().center(), *scene);
+  }
+  void clickOn(const Node& node) { click(centreOf(node)); }
+  // The pause page's restart button has no field; it is found by name.
+  Node& restartButton() const { return *scene->pauseOverlay->childNamed("btn_pause_restart"); }
+
+  // Steps until the state changes away from `playing` or the frame budget runs out.
+  void runUntilCrash(int maxFrames = 5000) {
+    for (int i = 0; i < maxFrames && scene->gameState == GameScene::GameState::playing; ++i) step();
+  }
+
+  std::vector<std::string> sounds() { return view->sounds.take(); }
+
+  std::shared_ptr<MemoryPreferences> preferences;
+  std::unique_ptr<TestView> view;
+  std::shared_ptr<GameScene> scene;
+};
+
+}  // namespace zb::test
