@@ -76,25 +76,27 @@ bool Node::isHiddenInTree() const {
 
 std::optional<Rect> Node::contentBounds() const { return std::nullopt; }
 
-Rect Node::frame() const {
-  if (std::optional<Rect> content = contentBounds()) return transformToParent().apply(*content);
-  return Rect{position, {}};
+std::optional<Rect> Node::contentFrame(const AffineTransform& toTarget) const {
+  std::optional<Rect> content = contentBounds();
+  if (!content) return std::nullopt;
+  return toTarget.apply(*content);
 }
 
-std::optional<Rect> Node::accumulatedContentFrame() const {
-  AffineTransform toParent = transformToParent();
-  std::optional<Rect> result;
-  if (std::optional<Rect> content = contentBounds()) result = toParent.apply(*content);
+Rect Node::frame() const { return contentFrame(transformToParent()).value_or(Rect{position, {}}); }
+
+std::optional<Rect> Node::accumulatedFrameIn(const AffineTransform& toTarget) const {
+  std::optional<Rect> result = contentFrame(toTarget);
   for (const NodePtr& child : children_) {
-    std::optional<Rect> inSelf = child->accumulatedContentFrame();
-    if (!inSelf) continue;
-    Rect inParent = toParent.apply(*inSelf);
-    result = result ? result->unionWith(inParent) : inParent;
+    std::optional<Rect> childFrame = child->accumulatedFrameIn(toTarget.concat(child->transformToParent()));
+    if (!childFrame) continue;
+    result = result ? result->unionWith(*childFrame) : *childFrame;
   }
   return result;
 }
 
-Rect Node::calculateAccumulatedFrame() const { return accumulatedContentFrame().value_or(Rect{position, {}}); }
+Rect Node::calculateAccumulatedFrame() const {
+  return accumulatedFrameIn(transformToParent()).value_or(Rect{position, {}});
+}
 
 AffineTransform Node::transformToParent() const {
   return AffineTransform::forNode(position, zRotation, xScale, yScale);
@@ -124,7 +126,8 @@ void Node::collectNodesAt(Point p, std::vector<Node*>& out) const {
     const Node& child = **it;
     if (child.hidden) continue;
     child.collectNodesAt(child.transformToParent().inverted().apply(p), out);
-    if (child.contentBounds() && child.frame().contains(p)) out.push_back(it->get());
+    std::optional<Rect> frame = child.contentFrame(child.transformToParent());
+    if (frame && frame->contains(p)) out.push_back(it->get());
   }
 }
 

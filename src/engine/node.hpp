@@ -77,6 +77,9 @@ class Node : public std::enable_shared_from_this<Node> {
   std::size_t subtreeNodeCount() const;
 
  protected:
+  // The content's bounding box after `toTarget` (this node's coordinates into some ancestor's); by
+  // default the transformed contentBounds box. Shapes compute it from their transformed path.
+  virtual std::optional<Rect> contentFrame(const AffineTransform& toTarget) const;
   // Called when the node (or an ancestor) joins or leaves a scene's tree.
   virtual void didEnterScene(Scene& scene);
   virtual void willLeaveScene(Scene& scene);
@@ -90,8 +93,8 @@ class Node : public std::enable_shared_from_this<Node> {
   // Advances this node's own actions by dt; completions of finished actions run afterwards.
   void stepActions(double dt, bool pausedOnly);
   AffineTransform transformToRoot() const;
-  // The accumulated frame without the zero-sized stand-in for content-less nodes.
-  std::optional<Rect> accumulatedContentFrame() const;
+  // The accumulated frame after `toTarget`, without the zero-sized stand-in for content-less nodes.
+  std::optional<Rect> accumulatedFrameIn(const AffineTransform& toTarget) const;
   void collectNodesAt(Point p, std::vector<Node*>& out) const;
 
   Node* parent_ = nullptr;

@@ -15,33 +15,61 @@ Point pointOnCircle(Point center, double radius, double angle) {
   return {center.x + radius * std::cos(angle), center.y + radius * std::sin(angle)};
 }
 
-struct Extent {
-  bool empty = true;
-  double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+// Angle in [start, start + 2pi) that is equivalent to `angle`.
+double angleFrom(double start, double angle) {
+  double offset = std::fmod(angle - start, kFullTurn);
+  if (offset < 0) offset += kFullTurn;
+  return start + offset;
+}
+
+// The bounding box of transformed path geometry.
+class Extent {
+ public:
+  explicit Extent(const AffineTransform& t) : t_(t) {}
+
+  bool empty() const { return empty_; }
+  Rect rect() const { return Rect::make(x0_, y0_, x1_ - x0_, y1_ - y0_); }
 
   void add(Point p) {
-    if (empty) {
-      x0 = x1 = p.x;
-      y0 = y1 = p.y;
-      empty = false;
+    Point q = t_.apply(p);
+    if (empty_) {
+      x0_ = x1_ = q.x;
+      y0_ = y1_ = q.y;
+      empty_ = false;
       return;
     }
-    x0 = std::min(x0, p.x);
-    x1 = std::max(x1, p.x);
-    y0 = std::min(y0, p.y);
-    y1 = std::max(y1, p.y);
+    x0_ = std::min(x0_, q.x);
+    x1_ = std::max(x1_, q.x);
+    y0_ = std::min(y0_, q.y);
+    y1_ = std::max(y1_, q.y);
   }
 
-  // The arc's end points plus every axis extreme its counter-clockwise sweep passes.
+  // The arc's end points plus every extreme its counter-clockwise sweep passes.
   void addArc(const Path::Element& e) {
     double start = e.startAngle;
     double end = e.endAngle;
-    while (end < start) end += kFullTurn;
+    if (end < start) end = angleFrom(start, end);
     if (end - start >= kFullTurn) end = start + kFullTurn;
     add(pointOnCircle(e.center, e.radius, start));
     add(pointOnCircle(e.center, e.radius, end));
+    if (t_.b == 0 && t_.c == 0) {
+      addAxisPoints(e, start, end);
+      return;
+    }
+    // Under a turning transform the extremes lie where the transformed circle's tangent is vertical
+    // (for x) or horizontal (for y).
+    const double xExtreme = std::atan2(t_.c, t_.a);
+    const double yExtreme = std::atan2(t_.d, t_.b);
+    for (double angle : {xExtreme, xExtreme + std::numbers::pi, yExtreme, yExtreme + std::numbers::pi}) {
+      double inSweep = angleFrom(start, angle);
+      if (inSweep <= end) add(pointOnCircle(e.center, e.radius, inSweep));
+    }
+  }
+
+ private:
+  // Exact axis points, so that a circle's box is exactly its radius wide on each side.
+  void addAxisPoints(const Path::Element& e, double start, double end) {
     for (double k = std::ceil(start / kQuarterTurn); k * kQuarterTurn <= end; k += 1) {
-      // Exact axis points, so that a circle's box is exactly its radius wide on each side.
       switch (static_cast<long>(std::fmod(std::fmod(k, 4) + 4, 4))) {
         case 0: add({e.center.x + e.radius, e.center.y}); break;
         case 1: add({e.center.x, e.center.y + e.radius}); break;
@@ -50,6 +78,10 @@ struct Extent {
       }
     }
   }
+
+  AffineTransform t_;
+  bool empty_ = true;
+  double x0_ = 0, y0_ = 0, x1_ = 0, y1_ = 0;
 };
 
 }  // namespace
@@ -112,8 +144,14 @@ void Path::addArc(Point center, double radius, double startAngle, double endAngl
 }
 void Path::closeSubpath() { elements_.push_back({Kind::close, {}, {}, 0, 0, 0}); }
 
-std::optional<Rect> Path::boundingBox() const {
-  Extent extent;
+std::optional<Rect> Path::boundingBox() const { return boundingBox(AffineTransform::identity()); }
+
+std::optional<Rect> Path::strokedBoundingBox(double lineWidth) const {
+  return strokedBoundingBox(lineWidth, AffineTransform::identity());
+}
+
+std::optional<Rect> Path::boundingBox(const AffineTransform& t) const {
+  Extent extent(t);
   for (const Element& e : elements_) {
     switch (e.kind) {
       case Kind::moveTo:
@@ -122,14 +160,16 @@ std::optional<Rect> Path::boundingBox() const {
       case Kind::close: break;
     }
   }
-  if (extent.empty) return std::nullopt;
-  return Rect::make(extent.x0, extent.y0, extent.x1 - extent.x0, extent.y1 - extent.y0);
+  if (extent.empty()) return std::nullopt;
+  return extent.rect();
 }
 
-std::optional<Rect> Path::strokedBoundingBox(double lineWidth) const {
-  std::optional<Rect> box = boundingBox();
+std::optional<Rect> Path::strokedBoundingBox(double lineWidth, const AffineTransform& t) const {
+  std::optional<Rect> box = boundingBox(t);
   if (!box || lineWidth <= 0) return box;
-  return box->insetBy(-lineWidth / 2, -lineWidth / 2);
+  // The transformed round pen is an ellipse; these are its half extents along x and y.
+  double half = lineWidth / 2;
+  return box->insetBy(-half * std::hypot(t.a, t.c), -half * std::hypot(t.b, t.d));
 }
 
 }  // namespace zb

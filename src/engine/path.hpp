@@ -42,6 +42,10 @@ class Path {
   std::optional<Rect> boundingBox() const;
   // Bounding box including a stroke of the given width (round caps and joins).
   std::optional<Rect> strokedBoundingBox(double lineWidth) const;
+  // The same boxes of the path after a transform, computed from the transformed geometry itself
+  // rather than from a transformed box, so that a turning circle keeps its size.
+  std::optional<Rect> boundingBox(const AffineTransform& t) const;
+  std::optional<Rect> strokedBoundingBox(double lineWidth, const AffineTransform& t) const;
 
  private:
   std::vector<Element> elements_;

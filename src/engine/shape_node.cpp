@@ -20,4 +20,8 @@ std::shared_ptr<ShapeNode> ShapeNode::withCircleOfRadius(double radius) { return
 
 std::optional<Rect> ShapeNode::contentBounds() const { return path.strokedBoundingBox(lineWidth); }
 
+std::optional<Rect> ShapeNode::contentFrame(const AffineTransform& toTarget) const {
+  return path.strokedBoundingBox(lineWidth, toTarget);
+}
+
 }  // namespace zb

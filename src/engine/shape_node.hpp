@@ -25,6 +25,9 @@ class ShapeNode : public Node {
 
   // The path's bounding box widened by half the line width on every side, whatever the colours.
   std::optional<Rect> contentBounds() const override;
+
+ protected:
+  std::optional<Rect> contentFrame(const AffineTransform& toTarget) const override;
 };
 
 using ShapeNodePtr = std::shared_ptr<ShapeNode>;

@@ -3,6 +3,7 @@
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
 
+#include <algorithm>
 #include <mutex>
 
 #include "engine/label_node.hpp"
@@ -121,6 +122,12 @@ class LabelLayoutCache {
     PangoRectangle logical;
     pango_layout_get_extents(layout, nullptr, &logical);
     result->logical = Rect::make(points(logical.x), points(logical.y), points(logical.width), points(logical.height));
+    if (wraps) {
+      // A line broken at a space keeps that space in its extent; the frame stops at the wrap width.
+      double right = std::min(result->logical.maxX(), label.preferredMaxLayoutWidth());
+      double left = std::max(result->logical.minX(), 0.0);
+      result->logical = Rect::make(left, result->logical.minY(), std::max(right - left, 0.0), result->logical.height());
+    }
     result->boxLeft = wraps ? 0 : result->logical.minX();
     result->boxWidth = wraps ? label.preferredMaxLayoutWidth() : result->logical.width();
     result->baseline = points(pango_layout_get_baseline(layout));
