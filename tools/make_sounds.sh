@@ -13,6 +13,8 @@ set -euo pipefail
 
 readonly RATE=44100
 readonly EIGHTH=11025                    # samples in an eighth note at 120 bpm
+readonly BASS_NOTE=8820                  # the bass sounds for 0.2 s of each eighth
+readonly SEAM_LEAD=1102                  # 25 ms of the loop's silent end moved to its start
 readonly EIGHTHS_PER_BAR=8
 readonly BARS=16
 readonly EFFECT_KBPS=64
@@ -99,7 +101,7 @@ render_melody() {
   sx -r $RATE -c 1 -n "$work/melody.wav" "${args[@]:0:${#args[@]}-1}" lowpass 5000
 }
 
-# Octave-jumping bass: low root, high root, eight times a bar, plucked.
+# Octave-jumping bass: low root, high root, eight times a bar, plucked, with a gap after each note.
 render_bass() {
   local args=() bar root step low high
   for ((bar = 0; bar < BARS; bar++)); do
@@ -107,7 +109,7 @@ render_bass() {
     low=$(freq "${root}2"); high=$(freq "${root}3")
     for ((step = 0; step < EIGHTHS_PER_BAR; step++)); do
       local f=$low; ((step % 2)) && f=$high
-      args+=(synth "${EIGHTH}s" triangle "$f" fade t 0.004 "${EIGHTH}s" 0.16 :)
+      args+=(synth "${BASS_NOTE}s" triangle "$f" fade t 0.004 "${BASS_NOTE}s" 0.12 pad 0 "$((EIGHTH - BASS_NOTE))s" :)
     done
   done
   sx -r $RATE -c 1 -n "$work/bass.wav" "${args[@]:0:${#args[@]}-1}"
@@ -133,12 +135,16 @@ make_music() {
   render_melody
   render_bass
   render_drums
-  # Melody a little right, drums a little left, bass in the middle.
+  # Melody a little right, drums a little left, bass in the middle. The last eighth is silent at its
+  # end; moving part of that silence to the front keeps the MP3 codec's smear of the first downbeat
+  # (a few milliseconds reaching backwards) off the seam.
+  local loop=$((BARS * EIGHTHS_PER_BAR * EIGHTH))
   sx -M "$work/melody.wav" "$work/bass.wav" "$work/drums.wav" "$work/music.wav" \
-    remix 1v0.30,2v0.40,3v0.45 1v0.42,2v0.40,3v0.32 gain -n -2
+    remix 1v0.30,2v0.40,3v0.45 1v0.42,2v0.40,3v0.32 gain -n -2 \
+    trim 0 "$((loop - SEAM_LEAD))s" pad "${SEAM_LEAD}s" 0
   local samples
   samples=$(soxi -s "$work/music.wav")
-  ((samples == BARS * EIGHTHS_PER_BAR * EIGHTH)) || { echo "make_sounds: music has $samples samples" >&2; exit 1; }
+  ((samples == loop)) || { echo "make_sounds: music has $samples samples" >&2; exit 1; }
   encode "$work/music.wav" "$out/bg-music.mp3" $MUSIC_KBPS j
 }
 
