@@ -1,6 +1,7 @@
 #include "app/headless_session.hpp"
 
 #include "app/dump_state.hpp"
+#include "engine/text_layout.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
 
@@ -25,7 +26,10 @@ GameServices servicesFor(const HeadlessOptions& options) {
 
 HeadlessSession::HeadlessSession(const HeadlessOptions& options, std::ostream& out)
     : out_(out), seed_(options.seed ? *options.seed : freshSeed()), services_(servicesFor(options)),
-      view_(options.size) {}
+      view_(options.size) {
+  // Label frames depend on the font, so headless runs measure text with the window's font.
+  installFontAliases();
+}
 
 HeadlessSession::~HeadlessSession() {
   // Detach first so that the scene lets go of the view's notifications and sound output.
@@ -37,15 +41,15 @@ std::optional<std::string> HeadlessSession::run(const ScriptCommand& command) {
 }
 
 void HeadlessSession::launch() {
-  // The window's view is configured before its scene arrives; the scene then overrides the counters.
-  view_.ignoresSiblingOrder = true;
-  view_.showsFPS = true;
-  view_.showsNodeCount = true;
   scene_ = std::make_shared<GameScene>(view_.size());
   scene_->setServices(services_);
   scene_->random().seed(seed_);
   frame_ = 0;
   view_.presentScene(scene_);
+  // The same start-up settings as the window's, in the same order, so both show the same counters.
+  view_.ignoresSiblingOrder = true;
+  view_.showsFPS = true;
+  view_.showsNodeCount = true;
 }
 
 void HeadlessSession::relaunch() {

@@ -1,0 +1,83 @@
+#pragma once
+// Helpers for driving the headless runner from tests with string streams.
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/headless_driver.hpp"
+#include "support/json_reader.hpp"
+
+namespace zb::test {
+
+struct HeadlessRun {
+  int status = -1;
+  std::string out;
+  std::string err;
+
+  std::vector<std::string> lines() const {
+    std::vector<std::string> result;
+    std::istringstream stream(out);
+    for (std::string line; std::getline(stream, line);) result.push_back(line);
+    return result;
+  }
+  // The dumps printed, parsed; a malformed one fails the calling test.
+  std::vector<Json> dumps() const {
+    std::vector<Json> result;
+    for (const std::string& line : lines()) {
+      std::string error;
+      auto json = parseJson(line, &error);
+      if (!json) throw std::runtime_error("malformed dump: " + error + "\n" + line);
+      result.push_back(*json);
+    }
+    return result;
+  }
+};
+
+// Options that never depend on the machine: fixed seed, no sound folders unless a test adds some.
+inline HeadlessOptions quietOptions(uint64_t seed = 7) {
+  HeadlessOptions options;
+  options.seed = seed;
+  options.resourceFolder = "";
+  options.fallbackFolder = "";
+  return options;
+}
+
+inline HeadlessRun runScript(const std::string& script, const HeadlessOptions& options = quietOptions()) {
+  std::istringstream in(script);
+  std::ostringstream out, err;
+  HeadlessRun run;
+  run.status = runHeadless(options, in, out, err);
+  run.out = out.str();
+  run.err = err.str();
+  return run;
+}
+
+// A fresh empty folder under the system's temporary folder, removed with the object.
+class TempFolder {
+ public:
+  explicit TempFolder(const std::string& name) {
+    path_ = std::filesystem::temp_directory_path() / (name + "-" + std::to_string(::getpid()));
+    std::filesystem::remove_all(path_);
+    std::filesystem::create_directories(path_);
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path touch(const std::string& name) const {
+    std::filesystem::path file = path_ / name;
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << "not really audio";
+    return file;
+  }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace zb::test
