@@ -9,6 +9,9 @@ namespace zb {
 
 AudioNode::AudioNode(std::filesystem::path file) : file_(std::move(file)) {}
 
+// A playing node is always in the tree of a presented scene, whose view is still alive.
+AudioNode::~AudioNode() { stopPlaying(true); }
+
 void AudioNode::setVolume(float volume) {
   volume_ = volume;
   if (playing_ && output_) output_->setLoopVolume(*this, volume);

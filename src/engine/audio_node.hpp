@@ -13,6 +13,7 @@ class SoundOutput;
 class AudioNode : public Node {
  public:
   explicit AudioNode(std::filesystem::path file);
+  ~AudioNode() override;
 
   const std::filesystem::path& file() const { return file_; }
   bool autoplayLooped = true;

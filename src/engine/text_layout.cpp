@@ -4,6 +4,7 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <cmath>
 #include <mutex>
 
 #include "engine/label_node.hpp"
@@ -23,6 +24,10 @@ constexpr const char* kFontAliases = R"(<?xml version="1.0"?>
   </alias>
 </fontconfig>
 )";
+
+// Pango measures in 1/1024 points in an int: keep sizes and widths well inside that.
+constexpr double kMaxFontSize = 10000;
+constexpr double kMaxWrapWidth = 1e6;
 
 // One font map and context for every label. Metric hinting and glyph-position rounding are off, so a
 // layout measures the same whatever scale it is later drawn at.
@@ -99,21 +104,23 @@ class LabelLayoutCache {
     auto result = std::make_shared<LabelLayout>();
     result->revision = label.layoutRevision();
     result->alignment = label.horizontalAlignment;
-    result->empty = label.text().empty();
+    const double size = label.fontSize();
+    result->empty = label.text().empty() || !std::isfinite(size) || size <= 0;
     if (result->empty) return result;
 
     PangoLayout* layout = pango_layout_new(sharedContext());
     result->layout = layout;
     PangoFontDescription* font = pango_font_description_new();
     pango_font_description_set_family(font, label.fontName().c_str());
-    pango_font_description_set_absolute_size(font, label.fontSize() * PANGO_SCALE);
+    pango_font_description_set_absolute_size(font, std::min(size, kMaxFontSize) * PANGO_SCALE);
     pango_layout_set_font_description(layout, font);
     pango_font_description_free(font);
     pango_layout_set_alignment(layout, pangoAlignment(label.horizontalAlignment));
     pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_NONE);
-    bool wraps = label.preferredMaxLayoutWidth() > 0;
+    const double wrapWidth = std::min(label.preferredMaxLayoutWidth(), kMaxWrapWidth);
+    bool wraps = wrapWidth > 0;  // false for NaN as well
     if (wraps) {
-      pango_layout_set_width(layout, static_cast<int>(label.preferredMaxLayoutWidth() * PANGO_SCALE));
+      pango_layout_set_width(layout, static_cast<int>(wrapWidth * PANGO_SCALE));
       pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     }
     pango_layout_set_text(layout, label.text().data(), static_cast<int>(label.text().size()));
@@ -124,12 +131,12 @@ class LabelLayoutCache {
     result->logical = Rect::make(points(logical.x), points(logical.y), points(logical.width), points(logical.height));
     if (wraps) {
       // A line broken at a space keeps that space in its extent; the frame stops at the wrap width.
-      double right = std::min(result->logical.maxX(), label.preferredMaxLayoutWidth());
+      double right = std::min(result->logical.maxX(), wrapWidth);
       double left = std::max(result->logical.minX(), 0.0);
       result->logical = Rect::make(left, result->logical.minY(), std::max(right - left, 0.0), result->logical.height());
     }
     result->boxLeft = wraps ? 0 : result->logical.minX();
-    result->boxWidth = wraps ? label.preferredMaxLayoutWidth() : result->logical.width();
+    result->boxWidth = wraps ? wrapWidth : result->logical.width();
     result->baseline = points(pango_layout_get_baseline(layout));
     return result;
   }
