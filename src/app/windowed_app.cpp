@@ -22,8 +22,11 @@ namespace {
 
 // SDL stays initialised exactly as long as this lives.
 struct SdlVideo {
-  bool ok = SDL_Init(SDL_INIT_VIDEO) == 0;
-  ~SdlVideo() { SDL_Quit(); }
+  std::string error;
+  bool ok = initSdlVideo(error);
+  ~SdlVideo() {
+    if (ok) SDL_Quit();
+  }
 };
 
 std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size) {
@@ -48,7 +51,8 @@ int failWith(const char* what, const std::string& error) {
 int runWindowedGame(const CommandLineOptions& options) {
   SdlVideo video;
   if (!video.ok) {
-    std::fprintf(stderr, "zindlebop: no display available (SDL: %s); set DISPLAY or use --headless\n", SDL_GetError());
+    std::fprintf(stderr, "zindlebop: no display available (SDL: %s); set DISPLAY or use --headless\n",
+                 video.error.c_str());
     return kExitNoDisplay;
   }
   std::string error;

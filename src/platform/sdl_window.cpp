@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 
 namespace zb {
 
@@ -14,7 +16,36 @@ int windowExtent(double points, double minimum) {
   return static_cast<int>(std::lround(std::clamp(points, minimum, 16384.0)));
 }
 
+bool isSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && *value != '\0';
+}
+
+// The drivers worth trying when the user named none. Wayland is left out when its library could only
+// complain about a missing runtime folder; X11 and KMSDRM fail quietly.
+std::string visibleDrivers() {
+  const bool wayland = isSet("WAYLAND_DISPLAY") || isSet("XDG_RUNTIME_DIR");
+  return wayland ? "x11,wayland,KMSDRM" : "x11,KMSDRM";
+}
+
 }  // namespace
+
+bool initSdlVideo(std::string& error) {
+  const bool chosenByUser = isSet("SDL_VIDEODRIVER");
+  if (!chosenByUser) SDL_SetHint(SDL_HINT_VIDEODRIVER, visibleDrivers().c_str());
+  if (SDL_Init(SDL_INIT_VIDEO) != 0) {
+    error = SDL_GetError();
+    return false;
+  }
+  const char* driver = SDL_GetCurrentVideoDriver();
+  const bool invisible = driver != nullptr && (std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0);
+  if (invisible && !chosenByUser) {
+    SDL_Quit();
+    error = "only the invisible video driver '" + std::string(driver) + "' is available";
+    return false;
+  }
+  return true;
+}
 
 std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::string& error) {
   Uint32 flags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;

@@ -12,6 +12,11 @@ struct SDL_Window;
 
 namespace zb {
 
+// Starts SDL's video on a display a player can see: without SDL_VIDEODRIVER set, SDL's invisible
+// offscreen and dummy drivers do not count as a display. False, with SDL's reason in `error`, when
+// there is none.
+bool initSdlVideo(std::string& error);
+
 class SdlWindow final : public Window {
  public:
   static constexpr Size kDefaultSize{960, 540};
