@@ -64,12 +64,13 @@ bool applyOption(std::string_view name, const std::string& value, CommandLine& l
     options.seed = parseSeed(value);
     return options.seed.has_value();
   }
+  // The rest name files and folders, which cannot be empty.
+  if (value.empty()) return false;
   if (name == "--prefs") options.prefsFile = value;
-  else if (name == "--resources") options.resourceFolder = value;
-  else if (name == "--fallback") options.fallbackFolder = value == "none" ? std::string() : value;
-  else if (name == "--script") line.scriptFile = value;
-  else return false;
-  return !value.empty();
+  if (name == "--resources") options.resourceFolder = value;
+  if (name == "--fallback") options.fallbackFolder = value == "none" ? std::string() : value;
+  if (name == "--script") line.scriptFile = value;
+  return true;
 }
 
 std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::ostream& err) {

@@ -35,6 +35,8 @@ class Words {
 
   bool empty() const { return words_.empty(); }
   std::string_view command() const { return words_.front(); }
+  // How a complaint about this line begins: "step: ".
+  std::string prefix() const { return std::string(command()) + ": "; }
 
   std::optional<std::string_view> next() {
     if (index_ >= words_.size()) return std::nullopt;
@@ -42,7 +44,7 @@ class Words {
   }
   std::string_view require(std::string_view what) {
     auto word = next();
-    if (!word) throw BadLine{std::string(command()) + ": missing " + std::string(what)};
+    if (!word) throw BadLine{prefix() + "missing " + std::string(what)};
     return *word;
   }
   // Everything after the words consumed so far, as written (inner spacing kept).
@@ -53,7 +55,7 @@ class Words {
     return remaining.substr(0, remaining.find_last_not_of(" \t") + 1);
   }
   void finish() {
-    if (index_ < words_.size()) throw BadLine{std::string(command()) + ": unexpected " + quoted(words_[index_])};
+    if (index_ < words_.size()) throw BadLine{prefix() + "unexpected " + quoted(words_[index_])};
   }
 
  private:
@@ -77,40 +79,41 @@ std::optional<double> parseFiniteDouble(std::string_view word) {
   return number;
 }
 
-uint64_t frameCount(Words& words) {
-  auto word = words.next();
-  if (!word) return 1;
+// The frame count argument; `fallback` when it is left out, and required when there is none.
+uint64_t frameCount(Words& words, std::optional<uint64_t> fallback) {
+  auto word = fallback ? words.next() : words.require("frame count");
+  if (!word) return *fallback;
   auto frames = parseInteger<uint64_t>(*word);
-  if (!frames) throw BadLine{std::string(words.command()) + ": frame count must be a whole number of 0 or more, not " + quoted(*word)};
+  if (!frames) throw BadLine{words.prefix() + "frame count must be a whole number of 0 or more, not " + quoted(*word)};
   return *frames;
 }
 
 double coordinate(Words& words, std::string_view what) {
   std::string_view word = words.require(what);
   auto number = parseFiniteDouble(word);
-  if (!number) throw BadLine{std::string(words.command()) + ": " + std::string(what) + " must be a number, not " + quoted(word)};
+  if (!number) throw BadLine{words.prefix() + std::string(what) + " must be a number, not " + quoted(word)};
   return *number;
 }
 
 double extent(Words& words, std::string_view what) {
   std::string_view word = words.require(what);
   auto number = parseFiniteDouble(word);
-  if (!number || *number <= 0) throw BadLine{std::string(words.command()) + ": " + std::string(what) + " must be a positive number, not " + quoted(word)};
+  if (!number || *number <= 0) {
+    throw BadLine{words.prefix() + std::string(what) + " must be a positive number, not " + quoted(word)};
+  }
   return *number;
 }
 
 ScriptCommand parseStep(Words& words) {
-  StepCommand step{frameCount(words)};
+  StepCommand step{frameCount(words, 1)};
   words.finish();
   return step;
 }
 
 ScriptCommand parseAutoplay(Words& words) {
-  std::string_view word = words.require("frame count");
-  auto frames = parseInteger<uint64_t>(word);
-  if (!frames) throw BadLine{"autoplay: frame count must be a whole number of 0 or more, not " + quoted(word)};
+  AutoplayCommand autoplay{frameCount(words, std::nullopt)};
   words.finish();
-  return AutoplayCommand{*frames};
+  return autoplay;
 }
 
 ScriptCommand parseKey(Words& words) {
@@ -170,12 +173,16 @@ ScriptCommand parsePref(Words& words) {
     if (!number) throw BadLine{"pref: int value must be a whole number, not " + quoted(word)};
     value = *number;
   } else if (type == "bool") {
-    if (word != "true" && word != "false") throw BadLine{"pref: bool value must be 'true' or 'false', not " + quoted(word)};
+    if (word != "true" && word != "false") {
+      throw BadLine{"pref: bool value must be 'true' or 'false', not " + quoted(word)};
+    }
     value = word == "true";
   } else if (type == "float") {
     float number = 0;
     auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (error != std::errc() || end != word.data() + word.size()) throw BadLine{"pref: float value must be a number, not " + quoted(word)};
+    if (error != std::errc() || end != word.data() + word.size()) {
+      throw BadLine{"pref: float value must be a number, not " + quoted(word)};
+    }
     value = number;
   } else {
     throw BadLine{"pref: type must be int, bool, float or string, not " + quoted(type)};

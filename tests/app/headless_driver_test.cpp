@@ -59,15 +59,16 @@ TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
   EXPECT_EQ(json["size"][0].number, 800);
   EXPECT_EQ(json["size"][1].number, 600);
   EXPECT_EQ(json["gameState"].text, "menu");
-  EXPECT_EQ(json["rig"].keys(), (std::vector<std::string>{"head", "body", "armLeft", "armRight", "legLeft", "legRight"}));
-  EXPECT_EQ(json["view"].keys(), (std::vector<std::string>{"showsFPS", "showsNodeCount", "fullscreen", "cursorHidden"}));
-  EXPECT_EQ(json["nodes"].keys(), (std::vector<std::string>{"dimBackground", "menuOverlay", "settingsOverlay",
-                                                            "gameOverOverlay", "pauseOverlay", "uiLayer"}));
+  using Keys = std::vector<std::string>;
+  EXPECT_EQ(json["rig"].keys(), (Keys{"head", "body", "armLeft", "armRight", "legLeft", "legRight"}));
+  EXPECT_EQ(json["view"].keys(), (Keys{"showsFPS", "showsNodeCount", "fullscreen", "cursorHidden"}));
+  EXPECT_EQ(json["nodes"].keys(),
+            (Keys{"dimBackground", "menuOverlay", "settingsOverlay", "gameOverOverlay", "pauseOverlay", "uiLayer"}));
   for (const char* label : {"scoreLabel", "titleLabel", "fullscreenButton", "pauseMenuButton", "restartButton"}) {
     ASSERT_TRUE(json["labels"].has(label)) << label;
   }
   EXPECT_EQ(json["labels"]["titleLabel"].keys(),
-            (std::vector<std::string>{"name", "text", "fontSize", "position", "visible", "color", "alignment"}));
+            (Keys{"name", "text", "fontSize", "position", "visible", "color", "alignment"}));
   EXPECT_GT(json["nodeCount"].number, 1);
 }
 

@@ -67,8 +67,8 @@ TEST(HeadlessBinary, ScriptFileRunsToAMenuDumpAndSpaceStartsARun) {
   EXPECT_EQ((*playing)["gameState"].text, "playing");
   // A standard tool agrees that the dump is JSON.
   if (std::system("python3 -c 'import json' 2>/dev/null") == 0) {
-    BinaryRun checked = runBinary({"/usr/bin/env", "python3", "-c", "import json,sys; json.loads(sys.stdin.readline())"},
-                                  lines[0] + "\n");
+    const char* check = "import json,sys; json.loads(sys.stdin.readline())";
+    BinaryRun checked = runBinary({"/usr/bin/env", "python3", "-c", check}, lines[0] + "\n");
     EXPECT_EQ(checked.status, 0) << checked.err;
   }
 }

@@ -72,7 +72,7 @@ class JsonReader {
     ++at_;
   }
   void skipSpace() {
-    while (at_ < text_.size() && (text_[at_] == ' ' || text_[at_] == '\t' || text_[at_] == '\n' || text_[at_] == '\r')) ++at_;
+    while (at_ < text_.size() && std::string_view(" \t\n\r").find(text_[at_]) != std::string_view::npos) ++at_;
   }
   void literal(std::string_view word) {
     if (text_.substr(at_, word.size()) != word) fail("bad literal");
