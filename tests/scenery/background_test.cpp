@@ -70,15 +70,6 @@ TEST(Background, RandomDrawsFollowTheDocumentedOrder) {
   }
 }
 
-TEST(Background, SetupAgainReplacesRatherThanAdds) {
-  AttachedScene s;
-  s->starGroup->addChild(std::make_shared<Node>());
-  s->setupBackground();
-  EXPECT_EQ(s->buildingGroup->children().size(), 5u);
-  EXPECT_EQ(s->cloudGroup->children().size(), 6u);
-  EXPECT_TRUE(s->starGroup->children().empty());
-}
-
 TEST(Background, BuildingsWrapOnlyWhenStrictlyPastTheEdge) {
   AttachedScene s;
   s->obstacleSpeed = 4;  // buildings move 0.4 a frame

@@ -69,17 +69,5 @@ TEST(Explosion, DotsKeepTheColourInForceAtTheCrash) {
   for (const ShapeNode* dot : dotsIn(*s)) EXPECT_EQ(dot->fillColor, atCrash);
 }
 
-TEST(Explosion, TwoCrashesGiveTwoIndependentRings) {
-  AttachedScene s;
-  s->spawnExplosionEffect();
-  s.step(20);
-  s->spawnExplosionEffect();
-  EXPECT_EQ(dotsIn(*s).size(), 36u);
-  s.step(20);  // the first ring is gone, the second is fading
-  EXPECT_EQ(dotsIn(*s).size(), 18u);
-  s.step(20);
-  EXPECT_TRUE(dotsIn(*s).empty());
-}
-
 }  // namespace
 }  // namespace zb

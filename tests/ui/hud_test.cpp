@@ -9,7 +9,6 @@ namespace zb {
 namespace {
 
 using test::AttachedScene;
-using test::SceneOptions;
 using Align = HorizontalAlignment;
 
 struct Row {
@@ -110,19 +109,6 @@ TEST(InterfaceTree, DepthsPutPagesAboveTheDimAndHudButtonsOnTop) {
   EXPECT_LT(s->backgroundGroup->zPosition, 90);
 }
 
-TEST(InterfaceTree, ButtonFactoryMakesADetachedNamedLabel) {
-  GameScene scene(Size{800, 600});
-  LabelNodePtr button = scene.buttonLabel("Go", "btn_go");
-  EXPECT_EQ(button->text(), "Go");
-  EXPECT_EQ(button->name, "btn_go");
-  EXPECT_EQ(button->fontName(), "Menlo");
-  EXPECT_EQ(button->fontSize(), 18);
-  EXPECT_EQ(button->fontColor, Color::black());
-  EXPECT_EQ(button->horizontalAlignment, Align::center);
-  EXPECT_EQ(button->parent(), nullptr);
-  EXPECT_NE(scene.buttonLabel("Go", "btn_go"), button);
-}
-
 struct Visibility {
   bool dim, menu, settings, gameOver, pause, pauseButton;
   friend bool operator==(const Visibility&, const Visibility&) = default;
@@ -152,9 +138,14 @@ TEST(InterfaceTree, EachStateShowsItsOwnPage) {
 }
 
 TEST(Hud, ShowsScoreAndTheBetterOfMemoryAndStore) {
-  AttachedScene s;
-  EXPECT_EQ(s->scoreLabel->text(), "Score: 0");
-  EXPECT_EQ(s->highScoreLabel->text(), "High: 0");
+  AttachedScene fresh;
+  EXPECT_EQ(fresh->scoreLabel->text(), "Score: 0");
+  EXPECT_EQ(fresh->highScoreLabel->text(), "High: 0");
+
+  test::SceneOptions stored;
+  stored.preferences->setInteger(420, "quorraHighScore");
+  AttachedScene s(stored);
+  EXPECT_EQ(s->highScoreLabel->text(), "High: 420");
 
   s->score = 1234;
   s->highScore = 1500;
@@ -173,13 +164,6 @@ TEST(Hud, ShowsScoreAndTheBetterOfMemoryAndStore) {
   s->score = -7;
   s->updateScoreLabels();
   EXPECT_EQ(s->scoreLabel->text(), "Score: -7");
-}
-
-TEST(Hud, StoredBestIsShownFromTheStart) {
-  SceneOptions options;
-  options.preferences->setInteger(420, "quorraHighScore");
-  AttachedScene s(options);
-  EXPECT_EQ(s->highScoreLabel->text(), "High: 420");
 }
 
 }  // namespace

@@ -66,14 +66,6 @@ TEST(SettingsTextsDeathTest, VolumeThatIsNotANumberStopsTheGame) {
         scene.refreshSettingsTexts();
       },
       "");
-  EXPECT_DEATH(
-      {
-        GameScene scene(Size{800, 600});
-        scene.setupUI();
-        scene.settingMusicVolume = std::numeric_limits<float>::infinity();
-        scene.refreshSettingsTexts();
-      },
-      "");
 }
 
 TEST(GameOverTexts, ScoreBestAndATauntDrawnWithoutBias) {
