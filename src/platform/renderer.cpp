@@ -232,9 +232,16 @@ void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double fra
   const Size size = view.size();
   cairo_save(cr);
 
-  // The window starts black; a translucent background shows that black through.
+  // The window starts black; a translucent background shows that black through. An opaque one
+  // replaces it in a single pass.
+  const Scene* scene = view.scene();
+  const bool opaqueBackground = scene != nullptr && scene->backgroundColor.a >= 1;
   cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-  cairo_set_source_rgb(cr, 0, 0, 0);
+  if (opaqueBackground) {
+    setSource(cr, scene->backgroundColor, 1);
+  } else {
+    cairo_set_source_rgb(cr, 0, 0, 0);
+  }
   cairo_paint(cr);
   cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
 
@@ -245,9 +252,11 @@ void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double fra
   cairo_matrix_t sceneToDevice;
   cairo_get_matrix(cr, &sceneToDevice);
 
-  if (const Scene* scene = view.scene()) {
-    setSource(cr, scene->backgroundColor, 1);
-    cairo_paint(cr);
+  if (scene != nullptr) {
+    if (!opaqueBackground) {
+      setSource(cr, scene->backgroundColor, 1);
+      cairo_paint(cr);
+    }
     drawScene(cr, *scene, sceneToDevice);
   }
   if (view.showsFPS || view.showsNodeCount) drawCounters(cr, view, framesPerSecond, sceneToDevice);

@@ -135,6 +135,19 @@ TEST(Renderer, AlphaMultipliesDownTheTree) {
   EXPECT_NEAR(canvas.at(50, 40).g, 0.2 * 255, 2);
 }
 
+TEST(Renderer, BackgroundFillsTheViewAndATranslucentOneShowsBlackThrough) {
+  View view({40, 30});
+  auto scene = std::make_shared<Scene>();
+  scene->backgroundColor = Color::rgba(0, 1, 0, 1);
+  view.presentScene(scene);
+  EXPECT_EQ(Canvas(view).at(0, 0), (Rgb{0, 255, 0}));
+  EXPECT_EQ(Canvas(view).at(39, 29), (Rgb{0, 255, 0}));
+  scene->backgroundColor = Color::rgba(1, 1, 1, 0.5);
+  EXPECT_NEAR(Canvas(view).at(20, 15).r, 128, 1);
+  view.dismissScene();
+  EXPECT_EQ(Canvas(view).at(20, 15), (Rgb{0, 0, 0})) << "an empty view is black";
+}
+
 TEST(Renderer, PlacesNodesWithYUpPositionRotationAndScale) {
   View view({100, 80});
   auto scene = whiteScene(view);
