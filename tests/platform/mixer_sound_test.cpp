@@ -2,6 +2,7 @@
 
 #include <SDL_mixer.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <cstdlib>
@@ -56,7 +57,7 @@ TEST(MixerSoundOutput, PlaysEffectsAndSkipsFilesItCannotLoad) {
   EXPECT_TRUE(output->playEffect(kSounds / "jump.mp3"));  // again, from the cache, on another channel
   EXPECT_TRUE(output->playEffect(kSounds / "click.mp3"));
 
-  const fs::path notSound = fs::temp_directory_path() / "zb-not-a-sound.mp3";
+  const fs::path notSound = fs::temp_directory_path() / ("zb-not-a-sound-" + std::to_string(::getpid()) + ".mp3");
   std::ofstream(notSound) << "this is not an mp3";
   EXPECT_FALSE(output->playEffect(notSound));
   EXPECT_FALSE(output->playEffect(fs::temp_directory_path() / "zb-no-such-sound.mp3"));
