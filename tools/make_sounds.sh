@@ -115,7 +115,8 @@ render_bass() {
   sx -r $RATE -c 1 -n "$work/bass.wav" "${args[@]:0:${#args[@]}-1}"
 }
 
-# Kick on beats one and three, a noise snare on two and four, a closed hat on every off-beat.
+# Kick on beats one and three, a noise snare on two and four, a closed hat on every off-beat. Each
+# hit (0.16 s, 0.12 s, 0.04 s: 7056, 5292 and 1764 samples) is padded with silence to an eighth.
 render_drums() {
   local kick=(synth 0.16 sine 150/45 fade q 0.002 0.16 0.12 pad 0 "$((EIGHTH - 7056))s")
   local snare=(synth 0.12 whitenoise band 2000 1500 fade q 0.001 0.12 0.11 pad 0 "$((EIGHTH - 5292))s")
@@ -150,8 +151,9 @@ make_music() {
 
 # ---- Laughs -------------------------------------------------------------------------------------
 
-# One giggle: each syllable spoken on its own at a falling pitch, trimmed, with a short breath after
-# it; then the whole raised to a baby's register and shaken with a fast tremolo.
+# One giggle: each syllable spoken on its own at its own pitch (mostly falling, as a laugh does),
+# trimmed, with a short breath after it; then the whole raised to a baby's register and shaken with a
+# fast tremolo.
 # Arguments: name voice words-per-minute cents tremolo-hz gap-seconds syllable:pitch...
 make_laugh() {
   local name=$1 voice=$2 speed=$3 cents=$4 shake=$5 gap=$6
