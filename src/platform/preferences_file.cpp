@@ -179,7 +179,7 @@ std::filesystem::path configHome() {
 
 }  // namespace
 
-FilePreferences::FilePreferences(std::filesystem::path file) : file_(std::move(file)) { reload(); }
+FilePreferences::FilePreferences(std::filesystem::path file) : file_(std::move(file)) { reloadIfChanged(); }
 
 std::filesystem::path FilePreferences::defaultLocation() {
   return configHome() / "zindlebop" / "preferences.ini";
@@ -191,14 +191,14 @@ std::optional<PreferenceValue> FilePreferences::objectForKey(std::string_view ke
 }
 
 void FilePreferences::setObject(std::string_view key, PreferenceValue value) {
-  reload();
+  reloadIfChanged();
   MemoryPreferences::setObject(key, std::move(value));
   unsavedKeys_.emplace(key);
   save();
 }
 
 void FilePreferences::removeObject(std::string_view key) {
-  reload();
+  reloadIfChanged();
   MemoryPreferences::removeObject(key);
   unsavedKeys_.emplace(key);
   save();
@@ -223,12 +223,12 @@ FilePreferences::FileStamp FilePreferences::stampOf(const std::filesystem::path&
 void FilePreferences::refreshIfDue() {
   auto now = std::chrono::steady_clock::now();
   if (now - lastCheck_ < kRefreshInterval) return;
-  reload();
+  reloadIfChanged();
 }
 
 // Reads the file again if it changed since the last look. Keys written here that have not reached
 // the disk yet keep their values in memory; every other key takes the disk's value.
-void FilePreferences::reload() {
+void FilePreferences::reloadIfChanged() {
   lastCheck_ = std::chrono::steady_clock::now();
   FileStamp stamp = stampOf(file_);
   if (stamp == loadedStamp_) return;

@@ -33,7 +33,7 @@ class FilePreferences : public MemoryPreferences {
   static FileStamp stampOf(const std::filesystem::path& file);
 
   void refreshIfDue();
-  void reload();
+  void reloadIfChanged();
   void save();
 
   std::filesystem::path file_;
