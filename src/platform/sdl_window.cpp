@@ -68,16 +68,17 @@ bool SdlWindow::isFullScreen() const {
 }
 
 bool SdlWindow::coversItsDisplay() const {
+  // SDL does not notice a full screen the window manager made on its own (a title-bar button, a
+  // shortcut); such a window shows up as one whose content is exactly its display. A maximised window
+  // that happens to fill an undecorated display does not count.
+  if ((SDL_GetWindowFlags(window_) & SDL_WINDOW_MAXIMIZED) != 0) return false;
   const int display = SDL_GetWindowDisplayIndex(window_);
   SDL_Rect bounds;
   if (display < 0 || SDL_GetDisplayBounds(display, &bounds) != 0) return false;
   int x = 0, y = 0, w = 0, h = 0;
   SDL_GetWindowPosition(window_, &x, &y);
   SDL_GetWindowSize(window_, &w, &h);
-  const bool borderless = (SDL_GetWindowFlags(window_) & SDL_WINDOW_BORDERLESS) != 0;
-  // A decorated window that only fills the screen has its title bar off the content; a full-screen one does not.
-  return x == bounds.x && y == bounds.y && w == bounds.w && h == bounds.h && !borderless &&
-         (SDL_GetWindowFlags(window_) & SDL_WINDOW_MAXIMIZED) == 0;
+  return x == bounds.x && y == bounds.y && w == bounds.w && h == bounds.h;
 }
 
 void SdlWindow::toggleFullScreen() {

@@ -46,7 +46,6 @@ class SdlWindow final : public Window {
 
  private:
   explicit SdlWindow(SDL_Window* window) : window_(window) {}
-  // A window the window manager stretched over a whole display without SDL knowing counts as full screen.
   bool coversItsDisplay() const;
 
   SDL_Window* window_;

@@ -101,11 +101,5 @@ TEST(SdlEvents, MouseMotionUnhidesACursorHiddenUntilMoved) {
   EXPECT_FALSE(f.view.isCursorHidden());
 }
 
-TEST(SdlView, WithoutAWindowOrDeviceItHasNoWindowAndPlaysSilently) {
-  SdlView view({10, 10}, nullptr, nullptr);
-  EXPECT_EQ(view.window(), nullptr);
-  EXPECT_FALSE(view.soundOutput().playEffect("/nonexistent.mp3"));
-}
-
 }  // namespace
 }  // namespace zb
