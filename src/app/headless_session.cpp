@@ -45,11 +45,12 @@ void HeadlessSession::launch() {
   scene_->setServices(services_);
   scene_->random().seed(seed_);
   frame_ = 0;
-  view_.presentScene(scene_);
-  // The same start-up settings as the window's, in the same order, so both show the same counters.
+  // The same start-up settings as the window's. They are set before the scene attaches, because the
+  // attachment ends on the menu, which switches the counters off until the player turns them on.
   view_.ignoresSiblingOrder = true;
   view_.showsFPS = true;
   view_.showsNodeCount = true;
+  view_.presentScene(scene_);
 }
 
 void HeadlessSession::relaunch() {

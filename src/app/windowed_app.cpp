@@ -66,11 +66,12 @@ int runWindowedGame(const CommandLineOptions& options) {
   // Without an audio device the game plays silent.
   std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();
   SdlView view(window->sizeInPoints(), window.get(), sound.get());
-  view.presentScene(makeGameScene(options, view.size()));
-  // Drawing order comes from z positions alone; the scene switches the counters off in its menu.
+  // Drawing order comes from z positions alone. The counters start on but the scene's attachment ends
+  // on the menu, which switches them off, so they show only once the player turns them on.
   view.ignoresSiblingOrder = true;
   view.showsFPS = true;
   view.showsNodeCount = true;
+  view.presentScene(makeGameScene(options, view.size()));
 
   runFrameLoop(view, *window, *canvas, {options.frameLimit});
   view.dismissScene();  // the music stops while the sound output still exists
