@@ -95,13 +95,14 @@ double coordinate(Words& words, std::string_view what) {
   return *number;
 }
 
+// A view can shrink to nothing (a minimised or collapsed window), so 0 is a size; less is not.
 double extent(Words& words, std::string_view what) {
   std::string_view word = words.require(what);
   auto number = parseFiniteDouble(word);
-  if (!number || *number <= 0) {
-    throw BadLine{words.prefix() + std::string(what) + " must be a positive number, not " + quoted(word)};
+  if (!number || *number < 0) {
+    throw BadLine{words.prefix() + std::string(what) + " must be a number of 0 or more, not " + quoted(word)};
   }
-  return *number;
+  return *number + 0.0;  // "-0" is a size of plain 0
 }
 
 ScriptCommand parseStep(Words& words) {

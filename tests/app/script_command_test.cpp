@@ -68,6 +68,7 @@ TEST(ScriptCommand, PointerSizeAndPreferenceArguments) {
   EXPECT_EQ(click.location, (Point{400, 312.5}));
   EXPECT_EQ(parsed<MoveCommand>("move -3 7").location, (Point{-3, 7}));
   EXPECT_EQ(parsed<ResizeCommand>("resize 1024 768").size, (Size{1024, 768}));
+  EXPECT_EQ(parsed<ResizeCommand>("resize 0 -0").size, (Size{0, 0}));
 
   PrefSetCommand integer = parsed<PrefSetCommand>("pref set quorraHighScore int 1234");
   EXPECT_EQ(integer.key, "quorraHighScore");
@@ -99,8 +100,8 @@ TEST(ScriptCommand, MalformedLinesSayWhatIsWrong) {
   EXPECT_EQ(errorFor("click 10"), "click: missing Y");
   EXPECT_EQ(errorFor("click x 10"), "click: X must be a number, not 'x'");
   EXPECT_EQ(errorFor("click nan 10"), "click: X must be a number, not 'nan'");
-  EXPECT_EQ(errorFor("resize 0 600"), "resize: width must be a positive number, not '0'");
-  EXPECT_EQ(errorFor("resize 800 -1"), "resize: height must be a positive number, not '-1'");
+  EXPECT_EQ(errorFor("resize -0.5 600"), "resize: width must be a number of 0 or more, not '-0.5'");
+  EXPECT_EQ(errorFor("resize 800 inf"), "resize: height must be a number of 0 or more, not 'inf'");
   EXPECT_EQ(errorFor("pref set k double 1"), "pref: type must be int, bool, float or string, not 'double'");
   EXPECT_EQ(errorFor("pref set k bool yes"), "pref: bool value must be 'true' or 'false', not 'yes'");
   EXPECT_EQ(errorFor("pref set k int 1.5"), "pref: int value must be a whole number, not '1.5'");
