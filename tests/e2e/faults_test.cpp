@@ -1,0 +1,258 @@
+// The real binary on a broken machine: no audio device, missing sounds, damaged or unwritable
+// preferences, and a view squeezed to nothing in every state. The game must play on, silently.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <regex>
+
+#include "app/headless_test_support.hpp"
+#include "e2e/child_process.hpp"
+
+namespace zb::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kSounds = fs::path(ZB_SOURCE_DIR) / "assets" / "sounds";
+constexpr uid_t kNobody = 65534;
+constexpr double kDefaultVolume = 0.6f;
+
+std::vector<std::string> headless(std::vector<std::string> options) {
+  options.insert(options.begin(), {ZB_BINARY, "--headless", "--seed", "11"});
+  return options;
+}
+
+std::vector<Json> dumpsOf(const BinaryRun& run) { return HeadlessRun{run.status, run.out, run.err}.dumps(); }
+
+std::string readBytes(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void writeBytes(const fs::path& file, const std::string& bytes) {
+  fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << bytes;
+}
+
+bool hasProgram(const std::string& name) {
+  return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+TEST(Faults, WithoutAnAudioDeviceTheWindowedGamePlaysOnSilently) {
+  if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
+  TempFolder folder("zb-fault-audio");
+  BinaryRun run = runBinary({"/usr/bin/env", "SDL_AUDIODRIVER=nonexistent", "xvfb-run", "-a", ZB_BINARY, "--frames",
+                             "30", "--seed", "3", "--prefs", (folder.path() / "prefs.ini").string()});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err.find("zindlebop:"), std::string::npos) << run.err;
+}
+
+// A run with jumps, a crash, the game-over page and the next run.
+std::string playedRun() {
+  std::string script = "key down space\nkey up space\n";
+  for (int jump = 0; jump < 10; ++jump) script += "step 45\nkey down space\nkey up space\ndump\n";
+  return script + "step 400\ndump\nkey down space\nstep 60\ndump\n";
+}
+
+// The dump without what depends on the sound files: the sounds, the music and the music's node.
+std::string withoutSound(const std::string& dump) {
+  static const std::regex sound(R"("sounds":\[[^\]]*\]|"music":(null|\{[^}]*\})|"nodeCount":\d+)");
+  return std::regex_replace(dump, sound, "");
+}
+
+TEST(Faults, MissingSoundFilesAreSkippedAndChangeNothingElse) {
+  BinaryRun full = runBinary(headless({"--resources", kSounds.string(), "--fallback", "none"}), playedRun());
+  ASSERT_EQ(full.status, 0) << full.err;
+  const std::vector<Json> fullDumps = dumpsOf(full);
+  ASSERT_EQ(fullDumps[10]["gameState"].text, "gameOver");
+  EXPECT_FALSE(fullDumps[10]["music"].isNull());
+  std::string crashSounds;
+  for (const Json& sound : fullDumps[10]["sounds"].items) crashSounds += sound.text + " ";
+  EXPECT_NE(crashSounds.find("explosion baby-laugh-"), std::string::npos) << crashSounds;
+
+  struct Folder {
+    const char* name;
+    std::vector<std::string> files;
+  };
+  for (const Folder& each : {Folder{"empty", {}}, Folder{"only-jump", {"jump"}}}) {
+    SCOPED_TRACE(each.name);
+    TempFolder folder(std::string("zb-fault-sounds-") + each.name);
+    for (const std::string& name : each.files) fs::copy_file(kSounds / (name + ".mp3"), folder.path() / (name + ".mp3"));
+    BinaryRun run = runBinary(headless({"--resources", folder.path().string(), "--fallback", "none"}), playedRun());
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::vector<Json> dumps = dumpsOf(run);
+    ASSERT_EQ(dumps.size(), fullDumps.size());
+    for (size_t i = 0; i < dumps.size(); ++i) {
+      std::vector<std::string> expected;
+      for (const Json& sound : fullDumps[i]["sounds"].items) {
+        if (fs::exists(folder.path() / (sound.text + ".mp3"))) expected.push_back(sound.text);
+      }
+      std::vector<std::string> heard;
+      for (const Json& sound : dumps[i]["sounds"].items) heard.push_back(sound.text);
+      EXPECT_EQ(heard, expected) << "dump " << i;
+      EXPECT_TRUE(dumps[i]["music"].isNull()) << "dump " << i;
+    }
+    EXPECT_EQ(withoutSound(run.out), withoutSound(full.out));
+  }
+}
+
+// What the game read from the store: music volume, music on, frame-rate counter on.
+struct Settings {
+  double volume = kDefaultVolume;
+  bool music = true;
+  bool fps = false;
+};
+
+void expectSettings(const Json& dump, const Settings& expected) {
+  EXPECT_EQ(dump["settingMusicVolume"].number, expected.volume);
+  EXPECT_EQ(dump["settingMusicEnabled"].boolean, expected.music);
+  EXPECT_EQ(dump["settingShowFPS"].boolean, expected.fps);
+}
+
+// Opens the settings page and presses the frame-rate toggle, which writes all three settings.
+const std::string kToggleFPS = "dump\nstep\nclick 400 250\nstep\nclick 400 355\nstep\ndump\n";
+
+TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeepsIt) {
+  const std::string good = "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingMusicEnabled=bool:false\n";
+  std::string garbage;
+  for (int i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 37) & 0xFF);
+  std::string enormous = good;
+  while (enormous.size() < (3u << 20)) enormous += "# " + std::string(1000, 'x') + "\n";
+
+  struct Case {
+    const char* name;
+    std::function<void(const fs::path&)> prepare;
+    Settings expected;
+  };
+  const std::vector<Case> cases = {
+      {"missing, folders too", [](const fs::path&) {}, {}},
+      {"empty", [](const fs::path& file) { writeBytes(file, ""); }, {}},
+      {"truncated", [&](const fs::path& file) { writeBytes(file, good + "quorra_settingShowFPS=bo"); },
+       {0.25, false, false}},
+      {"cut in its header", [](const fs::path& file) { writeBytes(file, "[prefer"); }, {}},
+      {"binary garbage", [&](const fs::path& file) { writeBytes(file, garbage); }, {}},
+      {"a directory", [](const fs::path& file) { fs::create_directories(file / "inside"); }, {}},
+      {"values of another type",
+       [](const fs::path& file) {
+         writeBytes(file, "[preferences]\nquorra_settingMusicVolume=string:0.25\nquorra_settingMusicEnabled=int:0\n"
+                          "quorra_settingShowFPS=string:yes\n");
+       },
+       {0.25, false, true}},
+      {"values that do not parse",
+       [](const fs::path& file) {
+         writeBytes(file, "[preferences]\nquorra_settingMusicVolume=float:loud\nquorra_settingMusicEnabled=maybe\n"
+                          "quorra_settingShowFPS=bool:1\n");
+       },
+       {}},
+      {"enormous", [&](const fs::path& file) { writeBytes(file, enormous); }, {}},
+  };
+  for (const Case& each : cases) {
+    SCOPED_TRACE(each.name);
+    TempFolder folder("zb-fault-prefs");
+    const fs::path file = folder.path() / "deep" / "er" / "prefs.ini";
+    each.prepare(file);
+    BinaryRun run = runBinary(headless({"--prefs", file.string(), "--fallback", "none"}), kToggleFPS);
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::vector<Json> dumps = dumpsOf(run);
+    ASSERT_EQ(dumps.size(), 2u);
+    expectSettings(dumps[0], each.expected);
+    Settings toggled = each.expected;
+    toggled.fps = !toggled.fps;
+    expectSettings(dumps[1], toggled);
+
+    // The toggle's write either reached the disk, where the next launch finds all three settings,
+    // or left what stood there untouched.
+    BinaryRun next = runBinary(headless({"--prefs", file.string(), "--fallback", "none"}), "dump\n");
+    ASSERT_EQ(next.status, 0) << next.err;
+    if (fs::is_directory(file)) {
+      EXPECT_TRUE(fs::exists(file / "inside"));
+      expectSettings(dumpsOf(next).at(0), {});
+    } else {
+      expectSettings(dumpsOf(next).at(0), toggled);
+    }
+  }
+}
+
+// Root writes anywhere, so as root the game runs as the unprivileged "nobody".
+TEST(Faults, AFailedWriteLeavesAGoodFileAsItWas) {
+  std::vector<std::string> asPlayer;
+  if (::geteuid() == 0) {
+    if (!hasProgram("setpriv")) GTEST_SKIP() << "running as root without setpriv";
+    asPlayer = {"/usr/bin/env", "setpriv", "--reuid=" + std::to_string(kNobody), "--regid=" + std::to_string(kNobody),
+                "--clear-groups"};
+  }
+  TempFolder folder("zb-fault-readonly");
+  const fs::path file = folder.path() / "locked" / "prefs.ini";
+  writeBytes(file, "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingShowFPS=bool:false\n");
+  const std::string before = readBytes(file);
+  fs::permissions(file.parent_path(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
+                  fs::perm_options::remove);
+
+  std::vector<std::string> arguments = headless({"--prefs", file.string(), "--fallback", "none"});
+  arguments.insert(arguments.begin(), asPlayer.begin(), asPlayer.end());
+  BinaryRun run = runBinary(arguments, kToggleFPS);
+  fs::permissions(file.parent_path(), fs::perms::owner_all, fs::perm_options::add);
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::vector<Json> dumps = dumpsOf(run);
+  ASSERT_EQ(dumps.size(), 2u);
+  expectSettings(dumps[0], {0.25, true, false});
+  expectSettings(dumps[1], {0.25, true, true});
+  EXPECT_EQ(readBytes(file), before);
+}
+
+// Every null in the dump, by path, except where null is a value the game means.
+void collectNulls(const Json& value, const std::string& path, std::vector<std::string>& found) {
+  if (value.isNull() && path != "/lastCollisionPoint" && path != "/music") found.push_back(path);
+  for (size_t i = 0; i < value.items.size(); ++i) collectNulls(value.items[i], path + "/" + std::to_string(i), found);
+  for (const auto& [key, member] : value.members) collectNulls(member, path + "/" + key, found);
+}
+
+std::string labelPositions(const Json& dump) {
+  std::string positions;
+  for (const auto& [name, label] : dump["labels"].members) {
+    positions += name + " " + label["position"][0].text + "," + label["position"][1].text + "; ";
+  }
+  return positions;
+}
+
+TEST(Faults, AViewSqueezedToNothingAndBackInEveryStateKeepsEveryNumberFinite) {
+  struct State {
+    const char* name;
+    const char* reach;
+  };
+  const State states[] = {
+      {"menu", "step 5\n"},
+      {"settings", "step 5\nclick 400 250\n"},
+      {"playing", "key down space\nstep 100\n"},
+      {"paused", "key down space\nstep 100\nkey down p\n"},
+      {"gameOver", "key down space\nstep 900\n"},
+  };
+  for (const State& state : states) {
+    SCOPED_TRACE(state.name);
+    TempFolder folder("zb-fault-resize");
+    std::string script = std::string(state.reach) + "dump\n";
+    for (const char* size : {"1 1", "0 0", "800 600"}) {
+      script += std::string("resize ") + size + "\nstep 5\ndump\nscreenshot " + (folder.path() / "shot.png").string() + "\n";
+    }
+    BinaryRun run = runBinary(headless({"--fallback", "none"}), script);
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::vector<Json> dumps = dumpsOf(run);
+    ASSERT_EQ(dumps.size(), 4u);
+    for (const Json& dump : dumps) {
+      EXPECT_EQ(dump["gameState"].text, state.name);
+      std::vector<std::string> nulls;
+      collectNulls(dump, "", nulls);
+      EXPECT_TRUE(nulls.empty()) << "at size " << dump["size"][0].text << " x " << dump["size"][1].text << ": "
+                                 << testing::PrintToString(nulls);
+    }
+    EXPECT_EQ(dumps[2]["layoutScale"].number, 0);
+    EXPECT_EQ(labelPositions(dumps[3]), labelPositions(dumps[0]));
+  }
+}
+
+}  // namespace
+}  // namespace zb::test
