@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "app/startup_report.hpp"
 #include "engine/random.hpp"
 #include "engine/text_layout.hpp"
 #include "platform/frame_loop.hpp"
@@ -73,7 +74,9 @@ int runWindowedGame(const CommandLineOptions& options) {
   view.showsNodeCount = true;
   view.presentScene(makeGameScene(options, view.size()));
 
-  runFrameLoop(view, *window, *canvas, {options.frameLimit});
+  FrameLoopOptions loopOptions{options.frameLimit, {}};
+  if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
+  runFrameLoop(view, *window, *canvas, loopOptions);
   view.dismissScene();  // the music stops while the sound output still exists
   return 0;
 }

@@ -56,6 +56,7 @@ void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const Fra
   FrameRateMeter meter;
   Renderer renderer;
   int64_t frames = 0;
+  bool presented = false;
   while (drainEvents(view, canvas, pacer)) {
     window.postFullScreenChanges(view.notificationCenter());
     const double now = secondsNow();
@@ -68,6 +69,8 @@ void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const Fra
     if (!window.isMinimized()) {
       drawFrame(view, canvas, renderer, meter.framesPerSecond());
       meter.frameDrawn(secondsNow());
+      if (!presented && options.afterFirstPresent) options.afterFirstPresent();
+      presented = true;
     }
     if (options.frameLimit && ++frames >= *options.frameLimit) break;
   }
