@@ -22,6 +22,14 @@ GameServices servicesFor(const HeadlessOptions& options) {
   return services;
 }
 
+void deliverKey(View& view, const KeyEvent& event, bool down) {
+  if (down) {
+    view.keyDown(event);
+  } else {
+    view.keyUp(event);
+  }
+}
+
 }  // namespace
 
 HeadlessSession::HeadlessSession(const HeadlessOptions& options, std::ostream& out)
@@ -44,6 +52,7 @@ void HeadlessSession::launch() {
   scene_ = std::make_shared<GameScene>(view_.size());
   scene_->setServices(services_);
   scene_->random().seed(seed_);
+  autoplayer_ = Autoplayer();
   frame_ = 0;
   // The same start-up settings as the window's. They are set before the scene attaches, because the
   // attachment ends on the menu, which switches the counters off until the player turns them on.
@@ -102,19 +111,19 @@ std::optional<std::string> HeadlessSession::execute(const StepCommand& command) 
 }
 
 std::optional<std::string> HeadlessSession::execute(const AutoplayCommand& command) {
-  // Until the built-in player exists, its frames pass as plain steps.
-  step(command.frames);
+  ensureLaunched();
+  for (uint64_t i = 0; i < command.frames; ++i) {
+    for (const KeyStroke& stroke : autoplayer_.play(*scene_)) {
+      deliverKey(view_, KeyEvent{stroke.keyCode, 0, false}, stroke.down);
+    }
+    step(1);
+  }
   return std::nullopt;
 }
 
 std::optional<std::string> HeadlessSession::execute(const KeyCommand& command) {
   ensureLaunched();
-  KeyEvent event{command.keyCode, command.alt ? kOptionModifierFlag : 0, false};
-  if (command.down) {
-    view_.keyDown(event);
-  } else {
-    view_.keyUp(event);
-  }
+  deliverKey(view_, KeyEvent{command.keyCode, command.alt ? kOptionModifierFlag : 0, false}, command.down);
   return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include <ostream>
 #include <string>
 
+#include "app/autoplay.hpp"
 #include "app/headless_driver.hpp"
 #include "app/script_command.hpp"
 #include "app/virtual_view.hpp"
@@ -57,6 +58,7 @@ class HeadlessSession {
   VirtualView view_;
   Renderer renderer_;
   std::shared_ptr<GameScene> scene_;
+  Autoplayer autoplayer_;  // the player of `autoplay`, new with every scene
   uint64_t frame_ = 0;
 };
 
