@@ -16,3 +16,15 @@ for preset in release sanitize; do
   echo "=== $preset: tests"
   ctest --preset "$preset" -j "$jobs"
 done
+
+# Short fuzz runs of the script parser and the preferences reader (clang's libFuzzer). Longer runs:
+# ninja -C build/fuzz fuzz_script_run (ZB_FUZZ_SECONDS, 60 by default).
+fuzz_seconds=${ZB_FUZZ_SECONDS:-15}
+echo "=== fuzz: build"
+cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+  -DCMAKE_C_COMPILER=clang -DZB_FUZZ=ON -DZB_TESTS=OFF >/dev/null
+cmake --build build/fuzz --target fuzz_script fuzz_preferences -j "$jobs"
+echo "=== fuzz: $fuzz_seconds s per target"
+for target in script preferences; do
+  fuzz/run_fuzzer.sh "build/fuzz/fuzz/fuzz_$target" "$fuzz_seconds"
+done
