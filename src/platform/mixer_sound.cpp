@@ -9,6 +9,7 @@
 #include <string>
 
 #include "engine/audio_node.hpp"
+#include "platform/foreign_allocations.hpp"
 
 namespace zb {
 namespace {
@@ -43,6 +44,7 @@ struct MixerSoundOutput::Impl {
 };
 
 std::unique_ptr<MixerSoundOutput> MixerSoundOutput::open() {
+  ForeignAllocations drivers;
   if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return nullptr;
   Mix_Init(MIX_INIT_MP3);
   if (Mix_OpenAudio(kSampleRate, MIX_DEFAULT_FORMAT, kOutputChannels, kBufferFrames) != 0) {

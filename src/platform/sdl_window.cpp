@@ -1,4 +1,5 @@
 #include "platform/sdl_window.hpp"
+#include "platform/foreign_allocations.hpp"
 
 #include <SDL.h>
 
@@ -31,6 +32,7 @@ std::string visibleDrivers() {
 }  // namespace
 
 bool initSdlVideo(std::string& error) {
+  ForeignAllocations drivers;
   const bool chosenByUser = isSet("SDL_VIDEODRIVER");
   if (!chosenByUser) SDL_SetHint(SDL_HINT_VIDEODRIVER, visibleDrivers().c_str());
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
@@ -48,6 +50,7 @@ bool initSdlVideo(std::string& error) {
 }
 
 std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::string& error) {
+  ForeignAllocations drivers;
   Uint32 flags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
   if (fullScreen) flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
   SDL_Window* window = SDL_CreateWindow(kTitle, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,

@@ -1,4 +1,5 @@
 #include "platform/window_canvas.hpp"
+#include "platform/foreign_allocations.hpp"
 
 #include <SDL.h>
 #include <cairo.h>
@@ -20,6 +21,7 @@ bool refreshesAt60Hz(SDL_Window* window) {
 }  // namespace
 
 std::unique_ptr<WindowCanvas> WindowCanvas::create(SDL_Window* window, std::string& error) {
+  ForeignAllocations drivers;
   SDL_Renderer* renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_ACCELERATED);
   if (renderer == nullptr) renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
   if (renderer == nullptr) {
