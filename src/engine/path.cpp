@@ -28,10 +28,15 @@ class Extent {
   explicit Extent(const AffineTransform& t) : t_(t) {}
 
   bool empty() const { return empty_; }
+  // No point added so far had an infinite or undefined coordinate.
+  bool finite() const { return finite_; }
   Rect rect() const { return Rect::make(x0_, y0_, x1_ - x0_, y1_ - y0_); }
+  Point lowest() const { return {x0_, y0_}; }
+  Point highest() const { return {x1_, y1_}; }
 
   void add(Point p) {
     Point q = t_.apply(p);
+    finite_ = finite_ && std::isfinite(q.x) && std::isfinite(q.y);
     if (empty_) {
       x0_ = x1_ = q.x;
       y0_ = y1_ = q.y;
@@ -81,8 +86,25 @@ class Extent {
 
   AffineTransform t_;
   bool empty_ = true;
+  bool finite_ = true;
   double x0_ = 0, y0_ = 0, x1_ = 0, y1_ = 0;
 };
+
+void addGeometry(const std::vector<Path::Element>& elements, Extent& extent) {
+  for (const Path::Element& e : elements) {
+    switch (e.kind) {
+      case Path::Kind::moveTo:
+      case Path::Kind::lineTo: extent.add(e.point); break;
+      case Path::Kind::arc: extent.addArc(e); break;
+      case Path::Kind::close: break;
+    }
+  }
+}
+
+bool isFinite(const AffineTransform& t) {
+  return std::isfinite(t.a) && std::isfinite(t.b) && std::isfinite(t.c) && std::isfinite(t.d) &&
+         std::isfinite(t.tx) && std::isfinite(t.ty);
+}
 
 }  // namespace
 
@@ -137,10 +159,17 @@ Path Path::circle(double radius) {
   return p;
 }
 
-void Path::moveTo(Point p) { elements_.push_back({Kind::moveTo, p, {}, 0, 0, 0}); }
-void Path::lineTo(Point p) { elements_.push_back({Kind::lineTo, p, {}, 0, 0, 0}); }
+void Path::moveTo(Point p) {
+  elements_.push_back({Kind::moveTo, p, {}, 0, 0, 0});
+  extremesKnown_ = false;
+}
+void Path::lineTo(Point p) {
+  elements_.push_back({Kind::lineTo, p, {}, 0, 0, 0});
+  extremesKnown_ = false;
+}
 void Path::addArc(Point center, double radius, double startAngle, double endAngle) {
   elements_.push_back({Kind::arc, {}, center, radius, startAngle, endAngle});
+  extremesKnown_ = false;
 }
 void Path::closeSubpath() { elements_.push_back({Kind::close, {}, {}, 0, 0, 0}); }
 
@@ -151,17 +180,33 @@ std::optional<Rect> Path::strokedBoundingBox(double lineWidth) const {
 }
 
 std::optional<Rect> Path::boundingBox(const AffineTransform& t) const {
-  Extent extent(t);
-  for (const Element& e : elements_) {
-    switch (e.kind) {
-      case Kind::moveTo:
-      case Kind::lineTo: extent.add(e.point); break;
-      case Kind::arc: extent.addArc(e); break;
-      case Kind::close: break;
+  // Without rotation or shear, x and y map on their own and keep their order, so the extremes of
+  // finite geometry under a finite transform are the transformed extremes, to the last bit.
+  if (t.b == 0 && t.c == 0 && isFinite(t)) {
+    const std::optional<Extremes>& known = extremes();
+    if (!known) return std::nullopt;
+    if (known->finite) {
+      Extent extent(t);
+      extent.add(known->lowest);
+      extent.add(known->highest);
+      return extent.rect();
     }
   }
+  Extent extent(t);
+  addGeometry(elements_, extent);
   if (extent.empty()) return std::nullopt;
   return extent.rect();
+}
+
+const std::optional<Path::Extremes>& Path::extremes() const {
+  if (!extremesKnown_) {
+    Extent extent(AffineTransform::identity());
+    addGeometry(elements_, extent);
+    extremes_.reset();
+    if (!extent.empty()) extremes_ = Extremes{extent.lowest(), extent.highest(), extent.finite()};
+    extremesKnown_ = true;
+  }
+  return extremes_;
 }
 
 std::optional<Rect> Path::strokedBoundingBox(double lineWidth, const AffineTransform& t) const {

@@ -48,7 +48,18 @@ class Path {
   std::optional<Rect> strokedBoundingBox(double lineWidth, const AffineTransform& t) const;
 
  private:
+  // The untransformed geometry's extremes, found on first use and kept until the path changes: a
+  // shape that only moves is asked for its frame every frame.
+  struct Extremes {
+    Point lowest;   // the least x and the least y
+    Point highest;  // the greatest x and the greatest y
+    bool finite;    // every coordinate of the geometry is finite
+  };
+  const std::optional<Extremes>& extremes() const;
+
   std::vector<Element> elements_;
+  mutable std::optional<Extremes> extremes_;
+  mutable bool extremesKnown_ = false;
 };
 
 }  // namespace zb
