@@ -1,18 +1,19 @@
 #pragma once
 // A game scene presented in an in-memory view, in the middle of a run with obstacles on screen, kept
-// alive by a simple pilot that jumps over what comes and ducks under the low plane. The benchmarks
-// time frames of this scene; the pilot's own work happens between the timed calls.
+// going by the game's built-in player. The benchmarks time frames of this scene; the player's own
+// work, and the frames off the run after a crash, pass between the timed calls.
 #include <chrono>
 #include <cstdint>
 #include <memory>
 
+#include "app/autoplay.hpp"
 #include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb::bench {
 
 inline constexpr uint64_t kBenchSeed = 7;
-// "A few obstacles on screen": the run is started and stepped until this many are live.
+// "A few obstacles on screen": a run is started and stepped until this many are live.
 inline constexpr std::size_t kLiveObstaclesAtStart = 2;
 
 // Times its own per-frame update, so that a benchmark can step whole frames (clock and actions
@@ -34,15 +35,17 @@ class SceneInPlay {
   TimedGameScene& scene() { return *scene_; }
   View& view() { return view_; }
 
-  // Starts a run from wherever the game is and steps until a few obstacles are live.
-  void startRun();
-  // Presses and releases keys for the coming frame as a player would; restarts after a crash.
-  void steer();
+  // Presses the player's keys for the coming frame. After a crash, steps untimed through the
+  // game-over page and into a new run until obstacles are live again.
+  void prepareFrame();
 
  private:
+  void pressPlayersKeys();
+  bool inPlayWithObstacles(std::size_t count) const;
+
   View view_;
   std::shared_ptr<TimedGameScene> scene_;
-  bool holdingDuck_ = false;
+  Autoplayer player_;
 };
 
 }  // namespace zb::bench

@@ -1,6 +1,6 @@
 // The per-frame cost of a scene in play with obstacles on screen: update() alone, and the whole
-// frame step of the view (clock, update, actions). Times are per frame; the pilot's key presses and
-// the restarts after a crash are left out of the timing.
+// frame step of the view (clock, update, actions). Times are per frame; the built-in player's key
+// presses and the frames off the run after a crash are left out of the timing.
 #include <chrono>
 
 #include <benchmark/benchmark.h>
@@ -18,7 +18,7 @@ void BM_SceneUpdate(benchmark::State& state) {
   FrameSamples samples;
   samples.reserve(static_cast<std::size_t>(state.max_iterations));
   for (auto _ : state) {
-    game.steer();
+    game.prepareFrame();
     game.view().stepFrame();
     const std::chrono::nanoseconds elapsed = game.scene().lastUpdateTime;
     state.SetIterationTime(std::chrono::duration<double>(elapsed).count());
@@ -33,7 +33,7 @@ void BM_ViewStepFrame(benchmark::State& state) {
   FrameSamples samples;
   samples.reserve(static_cast<std::size_t>(state.max_iterations));
   for (auto _ : state) {
-    game.steer();
+    game.prepareFrame();
     const Clock::time_point start = Clock::now();
     game.view().stepFrame();
     const std::chrono::nanoseconds elapsed = Clock::now() - start;
