@@ -20,10 +20,18 @@ bool refreshesAt60Hz(SDL_Window* window) {
 
 }  // namespace
 
+// Cairo draws the frame on the processor, so putting it on screen needs no graphics driver: the
+// software renderer copies it into the window's own framebuffer. An accelerated renderer would load
+// the system's GL driver (with Mesa, its shader compiler: tens of megabytes and a good part of the
+// start-up) for one texture upload a frame. It stays the fallback for video drivers without a
+// framebuffer of their own.
 std::unique_ptr<WindowCanvas> WindowCanvas::create(SDL_Window* window, std::string& error) {
   ForeignAllocations drivers;
-  SDL_Renderer* renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_ACCELERATED);
-  if (renderer == nullptr) renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
+  // Otherwise SDL would back the window's framebuffer with a GL texture after all. The environment
+  // variable of the same name still wins.
+  SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+  SDL_Renderer* renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_SOFTWARE);
+  if (renderer == nullptr) renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_ACCELERATED);
   if (renderer == nullptr) {
     error = SDL_GetError();
     return nullptr;
