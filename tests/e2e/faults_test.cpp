@@ -45,8 +45,11 @@ bool hasProgram(const std::string& name) {
 TEST(Faults, WithoutAnAudioDeviceTheWindowedGamePlaysOnSilently) {
   if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
   TempFolder folder("zb-fault-audio");
-  BinaryRun run = runBinary({"/usr/bin/env", "SDL_AUDIODRIVER=nonexistent", "xvfb-run", "-a", ZB_BINARY, "--frames",
-                             "30", "--seed", "3", "--prefs", (folder.path() / "prefs.ini").string()});
+  // Leaks are not the point here, and the virtual display's GL driver leaves some behind in a library
+  // it unloads, where no suppression can name it.
+  BinaryRun run = runBinary({"/usr/bin/env", "SDL_AUDIODRIVER=nonexistent", "ASAN_OPTIONS=detect_leaks=0", "xvfb-run",
+                             "-a", ZB_BINARY, "--frames", "30", "--seed", "3", "--prefs",
+                             (folder.path() / "prefs.ini").string()});
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err.find("zindlebop:"), std::string::npos) << run.err;
 }
