@@ -24,7 +24,7 @@ struct HeadlessRun {
     for (std::string line; std::getline(stream, line);) result.push_back(line);
     return result;
   }
-  // The dumps printed, parsed; a malformed one fails the calling test.
+  // The dumps printed, parsed; a malformed one throws, failing the calling test.
   std::vector<Json> dumps() const {
     std::vector<Json> result;
     for (const std::string& line : lines()) {
@@ -37,30 +37,26 @@ struct HeadlessRun {
   }
 };
 
-// Options that never depend on the machine: fixed seed, no sound folders unless a test adds some.
+// Options that never depend on the machine: a fixed seed, and no sound folders unless a test adds some.
 inline HeadlessOptions quietOptions(uint64_t seed = 7) {
   HeadlessOptions options;
   options.seed = seed;
-  options.resourceFolder = "";
-  options.fallbackFolder = "";
+  options.resourceFolder = options.fallbackFolder = "";
   return options;
 }
 
 inline HeadlessRun runScript(const std::string& script, const HeadlessOptions& options = quietOptions()) {
   std::istringstream in(script);
   std::ostringstream out, err;
-  HeadlessRun run;
-  run.status = runHeadless(options, in, out, err);
-  run.out = out.str();
-  run.err = err.str();
-  return run;
+  const int status = runHeadless(options, in, out, err);
+  return {status, out.str(), err.str()};
 }
 
 // A fresh empty folder under the system's temporary folder, removed with the object.
 class TempFolder {
  public:
-  explicit TempFolder(const std::string& name) {
-    path_ = std::filesystem::temp_directory_path() / (name + "-" + std::to_string(::getpid()));
+  explicit TempFolder(const std::string& name)
+      : path_(std::filesystem::temp_directory_path() / (name + "-" + std::to_string(::getpid()))) {
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }
@@ -69,11 +65,11 @@ class TempFolder {
     std::filesystem::remove_all(path_, ignored);
   }
   const std::filesystem::path& path() const { return path_; }
+  // A file that is not really audio, under the folder.
   std::filesystem::path touch(const std::string& name) const {
-    std::filesystem::path file = path_ / name;
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << "not really audio";
-    return file;
+    std::filesystem::create_directories((path_ / name).parent_path());
+    std::ofstream(path_ / name) << "not really audio";
+    return path_ / name;
   }
 
  private:
