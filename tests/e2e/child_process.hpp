@@ -1,7 +1,6 @@
 #pragma once
 // Runs the built game as a child process with pipes on all three standard streams, for end-to-end
 // tests. Every read has a deadline, so a game that hangs fails the test instead of stalling it.
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -21,49 +20,45 @@ namespace zb::test {
 class ChildProcess {
  public:
   explicit ChildProcess(std::vector<std::string> arguments) {
-    int in[2], out[2], err[2];
-    if (pipe(in) != 0 || pipe(out) != 0 || pipe(err) != 0) return;
+    int pipes[3][2];  // standard input, output and error
+    if (pipe(pipes[0]) != 0 || pipe(pipes[1]) != 0 || pipe(pipes[2]) != 0) return;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, in[0], 0);
-    posix_spawn_file_actions_adddup2(&actions, out[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, err[1], 2);
-    for (int fd : {in[0], in[1], out[0], out[1], err[0], err[1]}) posix_spawn_file_actions_addclose(&actions, fd);
+    for (int stream = 0; stream < 3; ++stream) {
+      posix_spawn_file_actions_adddup2(&actions, pipes[stream][stream == 0 ? 0 : 1], stream);
+    }
+    for (auto& ends : pipes) {
+      for (int fd : ends) posix_spawn_file_actions_addclose(&actions, fd);
+    }
     std::vector<char*> argv;
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
     if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) != 0) pid_ = -1;
     posix_spawn_file_actions_destroy(&actions);
-    close(in[0]);
-    close(out[1]);
-    close(err[1]);
-    input_ = in[1];
-    output_ = out[0];
-    error_ = err[0];
+    for (int fd : {pipes[0][0], pipes[1][1], pipes[2][1]}) close(fd);
+    input_ = pipes[0][1];
+    fds_[0] = pipes[1][0];
+    fds_[1] = pipes[2][0];
     signal(SIGPIPE, SIG_IGN);  // a child that exits early must not take the test with it
   }
-
   ~ChildProcess() {
     closeInput();
     if (pid_ > 0 && !exited_) {
       kill(pid_, SIGKILL);
       waitpid(pid_, nullptr, 0);
     }
-    for (int fd : {output_, error_}) {
+    for (int fd : fds_) {
       if (fd >= 0) close(fd);
     }
   }
-
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
   bool started() const { return pid_ > 0; }
 
   void send(std::string_view text) {
-    while (input_ >= 0 && !text.empty()) {
-      ssize_t written = write(input_, text.data(), text.size());
-      if (written <= 0) return;
-      text.remove_prefix(static_cast<size_t>(written));
+    for (ssize_t written = 0; input_ >= 0 && !text.empty(); text.remove_prefix(static_cast<size_t>(written))) {
+      if ((written = write(input_, text.data(), text.size())) <= 0) return;
     }
   }
 
@@ -74,66 +69,57 @@ class ChildProcess {
 
   // The next line of standard output, without its newline; nothing at the end or on timeout.
   std::optional<std::string> readLine(std::chrono::milliseconds timeout) {
-    auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (true) {
-      size_t newline = out_.find('\n');
-      if (newline != std::string::npos) {
-        std::string line = out_.substr(0, newline);
-        out_.erase(0, newline + 1);
-        return line;
-      }
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (texts_[0].find('\n') == std::string::npos) {
       if (!pump(deadline)) return std::nullopt;
     }
+    std::string line = texts_[0].substr(0, texts_[0].find('\n'));
+    texts_[0].erase(0, line.size() + 1);
+    return line;
   }
 
   // Reads both streams to their end, then returns the exit status (-1 on a timeout or a signal).
   int finish(std::chrono::milliseconds timeout) {
     closeInput();
-    auto deadline = std::chrono::steady_clock::now() + timeout;
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
     while (pump(deadline)) {
     }
-    if (output_ >= 0 || error_ >= 0) return -1;
+    if (fds_[0] >= 0 || fds_[1] >= 0) return -1;
     int status = 0;
     waitpid(pid_, &status, 0);
     exited_ = true;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
 
-  const std::string& output() const { return out_; }
-  const std::string& error() const { return err_; }
+  const std::string& output() const { return texts_[0]; }
+  const std::string& error() const { return texts_[1]; }
 
  private:
   // Moves whatever is available into the buffers; false once both streams ended or time ran out.
   bool pump(std::chrono::steady_clock::time_point deadline) {
-    if (output_ < 0 && error_ < 0) return false;
-    auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-    if (left.count() <= 0) return false;
-    pollfd fds[2] = {{output_, POLLIN, 0}, {error_, POLLIN, 0}};
-    if (poll(fds, 2, static_cast<int>(left.count())) <= 0) return false;
-    drain(fds[0], output_, out_);
-    drain(fds[1], error_, err_);
-    return true;
-  }
-
-  static void drain(const pollfd& polled, int& fd, std::string& buffer) {
-    if (fd < 0 || polled.revents == 0) return;
-    char chunk[4096];
-    ssize_t count = read(fd, chunk, sizeof chunk);
-    if (count > 0) {
-      buffer.append(chunk, static_cast<size_t>(count));
-    } else {
-      close(fd);
-      fd = -1;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
+    if ((fds_[0] < 0 && fds_[1] < 0) || left.count() <= 0) return false;
+    pollfd polled[2] = {{fds_[0], POLLIN, 0}, {fds_[1], POLLIN, 0}};
+    if (poll(polled, 2, static_cast<int>(left.count())) <= 0) return false;
+    for (int i = 0; i < 2; ++i) {
+      if (fds_[i] < 0 || polled[i].revents == 0) continue;
+      char chunk[4096];
+      const ssize_t count = read(fds_[i], chunk, sizeof chunk);
+      if (count > 0) {
+        texts_[i].append(chunk, static_cast<size_t>(count));
+      } else {
+        close(fds_[i]);
+        fds_[i] = -1;
+      }
     }
+    return true;
   }
 
   pid_t pid_ = -1;
   bool exited_ = false;
   int input_ = -1;
-  int output_ = -1;
-  int error_ = -1;
-  std::string out_;
-  std::string err_;
+  int fds_[2] = {-1, -1};  // standard output and error
+  std::string texts_[2];
 };
 
 struct BinaryRun {
@@ -146,11 +132,8 @@ struct BinaryRun {
 inline BinaryRun runBinary(const std::vector<std::string>& arguments, std::string_view input = {}) {
   ChildProcess child(arguments);
   child.send(input);
-  BinaryRun run;
-  run.status = child.finish(std::chrono::seconds(120));
-  run.out = child.output();
-  run.err = child.error();
-  return run;
+  const int status = child.finish(std::chrono::seconds(120));
+  return {status, child.output(), child.error()};
 }
 
 }  // namespace zb::test

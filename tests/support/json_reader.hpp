@@ -2,7 +2,6 @@
 // A strict little JSON reader for tests: it rejects anything a standard parser would (trailing
 // commas, bare control characters, malformed numbers, duplicate keys, trailing text) and keeps object
 // members in their written order, so tests can check both well-formedness and key order.
-#include <cmath>
 #include <cstdlib>
 #include <optional>
 #include <stdexcept>
@@ -23,16 +22,9 @@ struct Json {
   std::vector<std::pair<std::string, Json>> members;
 
   bool isNull() const { return type == Type::null; }
-  bool has(std::string_view key) const {
-    for (const auto& member : members) {
-      if (member.first == key) return true;
-    }
-    return false;
-  }
+  bool has(std::string_view key) const { return find(key) != nullptr; }
   const Json& operator[](std::string_view key) const {
-    for (const auto& member : members) {
-      if (member.first == key) return member.second;
-    }
+    if (const Json* value = find(key)) return *value;
     throw std::out_of_range("no key " + std::string(key));
   }
   const Json& operator[](size_t index) const { return items.at(index); }
@@ -40,6 +32,14 @@ struct Json {
     std::vector<std::string> names;
     for (const auto& member : members) names.push_back(member.first);
     return names;
+  }
+
+ private:
+  const Json* find(std::string_view key) const {
+    for (const auto& member : members) {
+      if (member.first == key) return &member.second;
+    }
+    return nullptr;
   }
 };
 
@@ -67,174 +67,107 @@ class JsonReader {
     throw std::runtime_error(what + " at offset " + std::to_string(at_));
   }
   char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+  bool accept(char ch) { return peek() == ch && ++at_; }
   void expect(char ch) {
-    if (peek() != ch) fail(std::string("expected '") + ch + "'");
-    ++at_;
+    if (!accept(ch)) fail(std::string("expected '") + ch + "'");
   }
   void skipSpace() {
-    while (at_ < text_.size() && std::string_view(" \t\n\r").find(text_[at_]) != std::string_view::npos) ++at_;
+    while (peek() == ' ' || peek() == '\t' || peek() == '\n' || peek() == '\r') ++at_;
   }
-  void literal(std::string_view word) {
-    if (text_.substr(at_, word.size()) != word) fail("bad literal");
-    at_ += word.size();
+  void digits() {
+    if (peek() < '0' || peek() > '9') fail("expected a digit");
+    while (peek() >= '0' && peek() <= '9') ++at_;
   }
 
   Json readValue(int depth) {
     if (depth > kMaxDepth) fail("too deep");
     skipSpace();
     Json value;
-    char ch = peek();
-    if (ch == '{') {
-      readObject(value, depth);
-    } else if (ch == '[') {
-      readArray(value, depth);
-    } else if (ch == '"') {
+    const size_t start = at_;
+    if (peek() == '{' || peek() == '[') {
+      readContainer(value, depth);
+    } else if (peek() == '"') {
       value.type = Json::Type::string;
       value.text = readString();
-    } else if (ch == 't' || ch == 'f') {
-      value.type = Json::Type::boolean;
-      value.boolean = ch == 't';
-      literal(ch == 't' ? "true" : "false");
-    } else if (ch == 'n') {
-      literal("null");
+    } else if (peek() == 'n' || peek() == 't' || peek() == 'f') {
+      const std::string_view word = peek() == 'n' ? "null" : peek() == 't' ? "true" : "false";
+      if (text_.substr(at_, word.size()) != word) fail("bad literal");
+      at_ += word.size();
+      value.type = word == "null" ? Json::Type::null : Json::Type::boolean;
+      value.boolean = word == "true";
     } else {
-      readNumber(value);
+      accept('-');
+      if (!accept('0')) digits();
+      if (accept('.')) digits();
+      if (accept('e') || accept('E')) {
+        if (!accept('+')) accept('-');
+        digits();
+      }
+      value.type = Json::Type::number;
+      value.text = std::string(text_.substr(start, at_ - start));
+      value.number = std::strtod(value.text.c_str(), nullptr);
     }
     return value;
   }
 
-  void readObject(Json& value, int depth) {
-    value.type = Json::Type::object;
-    expect('{');
+  // An object or an array: members or items separated by commas, none after the last.
+  void readContainer(Json& value, int depth) {
+    const bool object = accept('{');
+    if (!object) expect('[');
+    value.type = object ? Json::Type::object : Json::Type::array;
     skipSpace();
-    if (peek() == '}') {
-      ++at_;
-      return;
-    }
-    while (true) {
-      skipSpace();
-      std::string key = readString();
-      if (value.has(key)) fail("duplicate key " + key);
-      skipSpace();
-      expect(':');
-      value.members.emplace_back(std::move(key), readValue(depth + 1));
-      skipSpace();
-      if (peek() == ',') {
-        ++at_;
-        continue;
+    if (accept(object ? '}' : ']')) return;
+    do {
+      if (object) {
+        skipSpace();
+        std::string key = readString();
+        if (value.has(key)) fail("duplicate key " + key);
+        skipSpace();
+        expect(':');
+        value.members.emplace_back(std::move(key), readValue(depth + 1));
+      } else {
+        value.items.push_back(readValue(depth + 1));
       }
-      expect('}');
-      return;
-    }
-  }
-
-  void readArray(Json& value, int depth) {
-    value.type = Json::Type::array;
-    expect('[');
-    skipSpace();
-    if (peek() == ']') {
-      ++at_;
-      return;
-    }
-    while (true) {
-      value.items.push_back(readValue(depth + 1));
       skipSpace();
-      if (peek() == ',') {
-        ++at_;
-        continue;
-      }
-      expect(']');
-      return;
-    }
-  }
-
-  static bool isDigit(char ch) { return ch >= '0' && ch <= '9'; }
-
-  void digits() {
-    if (!isDigit(peek())) fail("expected a digit");
-    while (isDigit(peek())) ++at_;
-  }
-
-  void readNumber(Json& value) {
-    size_t start = at_;
-    if (peek() == '-') ++at_;
-    if (peek() == '0') {
-      ++at_;
-    } else {
-      digits();
-    }
-    if (peek() == '.') {
-      ++at_;
-      digits();
-    }
-    if (peek() == 'e' || peek() == 'E') {
-      ++at_;
-      if (peek() == '+' || peek() == '-') ++at_;
-      digits();
-    }
-    value.type = Json::Type::number;
-    value.text = std::string(text_.substr(start, at_ - start));
-    value.number = std::strtod(value.text.c_str(), nullptr);
-  }
-
-  static void appendUtf8(std::string& out, unsigned code) {
-    if (code < 0x80) {
-      out += static_cast<char>(code);
-    } else if (code < 0x800) {
-      out += static_cast<char>(0xC0 | (code >> 6));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-      out += static_cast<char>(0xE0 | (code >> 12));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    } else {
-      out += static_cast<char>(0xF0 | (code >> 18));
-      out += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-      out += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-      out += static_cast<char>(0x80 | (code & 0x3F));
-    }
-  }
-
-  unsigned hex4() {
-    if (at_ + 4 > text_.size()) fail("short \\u escape");
-    unsigned code = 0;
-    for (int i = 0; i < 4; ++i) {
-      char ch = text_[at_++];
-      code <<= 4;
-      if (isDigit(ch)) code |= static_cast<unsigned>(ch - '0');
-      else if (ch >= 'a' && ch <= 'f') code |= static_cast<unsigned>(ch - 'a' + 10);
-      else if (ch >= 'A' && ch <= 'F') code |= static_cast<unsigned>(ch - 'A' + 10);
-      else fail("bad \\u escape");
-    }
-    return code;
+    } while (accept(','));
+    expect(object ? '}' : ']');
   }
 
   std::string readString() {
+    static constexpr std::string_view kEscapes = "\"\"\\\\//b\bf\fn\nr\rt\t";  // pairs: escape, character
     expect('"');
     std::string out;
-    while (true) {
+    while (!accept('"')) {
       if (at_ >= text_.size()) fail("unterminated string");
-      char ch = text_[at_++];
-      if (ch == '"') return out;
+      const char ch = text_[at_++];
       if (static_cast<unsigned char>(ch) < 0x20) fail("control character in string");
+      const size_t escape = ch == '\\' ? kEscapes.find(peek()) : std::string_view::npos;
       if (ch != '\\') {
         out += ch;
-        continue;
+      } else if (accept('u')) {
+        appendUnicodeEscape(out);
+      } else if (escape % 2 == 0 && escape != std::string_view::npos && ++at_) {
+        out += kEscapes[escape + 1];
+      } else {
+        fail("bad escape");
       }
-      char escape = peek();
-      ++at_;
-      switch (escape) {
-        case '"': out += '"'; break;
-        case '\\': out += '\\'; break;
-        case '/': out += '/'; break;
-        case 'b': out += '\b'; break;
-        case 'f': out += '\f'; break;
-        case 'n': out += '\n'; break;
-        case 'r': out += '\r'; break;
-        case 't': out += '\t'; break;
-        case 'u': appendUtf8(out, hex4()); break;
-        default: fail("bad escape");
-      }
+    }
+    return out;
+  }
+
+  // The code unit of a \u escape, as UTF-8; surrogate pairs are not joined.
+  void appendUnicodeEscape(std::string& out) {
+    const std::string hex(text_.substr(at_, 4));
+    if (hex.size() != 4 || hex.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos) fail("bad \\u escape");
+    at_ += 4;
+    const auto code = static_cast<unsigned>(std::strtoul(hex.c_str(), nullptr, 16));
+    if (code < 0x80) {
+      out += static_cast<char>(code);
+    } else if (code < 0x800) {
+      out += {static_cast<char>(0xC0 | (code >> 6)), static_cast<char>(0x80 | (code & 0x3F))};
+    } else {
+      out += {static_cast<char>(0xE0 | (code >> 12)), static_cast<char>(0x80 | ((code >> 6) & 0x3F)),
+              static_cast<char>(0x80 | (code & 0x3F))};
     }
   }
 
