@@ -1,0 +1,180 @@
+#include "app/autoplay.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/headless_session.hpp"
+#include "app/headless_test_support.hpp"
+#include "engine/path.hpp"
+#include "scene/scene_fixture.hpp"
+
+namespace zb::test {
+namespace {
+
+using GameState = GameScene::GameState;
+
+void deliver(AttachedScene& scene, const std::vector<KeyStroke>& strokes) {
+  for (const KeyStroke& stroke : strokes) {
+    if (stroke.down) {
+      scene.press(stroke.keyCode);
+    } else {
+      scene.release(stroke.keyCode);
+    }
+  }
+}
+
+// A hand-made outline, in points above the ground line, coming at the figure in a run of its own.
+struct Outline {
+  const char* name;
+  double bottom;
+  double height;
+  double width;
+  double speed;
+};
+
+struct Encounter {
+  explicit Encounter(const Outline& outline) {
+    scene.press(keycode::space);
+    scene.release(keycode::space);
+    scene->spawnTimerFrames = 1'000'000;  // nothing else comes
+    scene->obstacleSpeed = outline.speed;
+    auto node = std::make_shared<GameScene::ObstacleNode>();
+    node->path = Path::rect(Rect::make(0, 0, outline.width, outline.height));
+    node->lineWidth = 0;
+    node->position = {600, scene->groundHeightFromBottom + outline.bottom};
+    scene->addChild(node);
+    scene->obstacleNodes.push_back(node);
+  }
+  void play(int frames) {
+    for (int i = 0; i < frames; ++i) {
+      deliver(scene, player.play(*scene));
+      scene.step();
+      crashed = crashed || scene->gameState != GameState::playing;
+      highestFeet = std::max(highestFeet, scene->playerFootAltitude);
+      ducked = ducked || scene->isDucking;
+    }
+  }
+
+  AttachedScene scene;
+  Autoplayer player;
+  bool crashed = false;
+  double highestFeet = 0;
+  bool ducked = false;
+};
+
+TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
+  // A single jump peaks at 114 points; only a second press in the air lifts the feet past this.
+  constexpr double kSecondPressHeight = 120;
+  struct Case {
+    Outline outline;
+    bool jumps;
+    bool ducks;
+  };
+  const Case cases[] = {
+      {{"box on the ground", 0, 33, 29, 4}, true, false},
+      // A ducking figure is 36 high, so a plane at chest height must be jumped.
+      {{"plane at chest height", 32.5, 15, 39, 6.4}, true, false},
+      // Standing clears it; jumping would fly into it.
+      {{"plane overhead", 78.5, 15, 39, 6.4}, false, false},
+      {{"bar at head height", 40, 30, 30, 4}, false, true},
+  };
+  for (const Case& each : cases) {
+    Encounter encounter(each.outline);
+    encounter.play(200);
+    EXPECT_FALSE(encounter.crashed) << each.outline.name;
+    EXPECT_EQ(encounter.highestFeet > each.outline.bottom + each.outline.height, each.jumps) << each.outline.name;
+    EXPECT_EQ(encounter.ducked, each.ducks) << each.outline.name;
+    EXPECT_LT(encounter.highestFeet, kSecondPressHeight) << each.outline.name << ": a second press only when needed";
+  }
+
+  // Too long for one jump: only a second press in the air carries the figure over it.
+  Encounter wall({"long low wall", 0, 40, 360, 10});
+  wall.play(200);
+  EXPECT_FALSE(wall.crashed);
+  EXPECT_GT(wall.highestFeet, kSecondPressHeight);
+}
+
+TEST(Autoplayer, WaitsAMomentOnAnyPageThenGetsBackIntoARun) {
+  struct Page {
+    const char* name;
+    void (*open)(GameScene&);
+  };
+  const Page pages[] = {
+      {"menu", [](GameScene& scene) { scene.showMenu(); }},
+      {"game over", [](GameScene& scene) { scene.endRun(); }},
+      {"settings", [](GameScene& scene) { scene.openSettings(); }},
+      {"paused", [](GameScene& scene) { scene.pauseGame(); }},
+  };
+  for (const Page& page : pages) {
+    AttachedScene scene;
+    scene.press(keycode::space);
+    scene.step();
+    page.open(*scene);
+    Autoplayer player;
+    int frames = 0;
+    while (scene->gameState != GameState::playing && frames < 100) {
+      deliver(scene, player.play(*scene));
+      scene.step();
+      ++frames;
+    }
+    EXPECT_EQ(scene->gameState, GameState::playing) << page.name;
+    EXPECT_GE(frames, 10) << page.name << ": a person takes a moment";
+    EXPECT_LE(frames, 60) << page.name;
+  }
+}
+
+std::string scriptLine(const KeyStroke& stroke) {
+  return std::string("key ") + (stroke.down ? "down " : "up ") + std::to_string(stroke.keyCode) + "\n";
+}
+
+// The player's keys written down as a plain script while it plays a session in process, until the
+// game has gone from the menu through a run, a crash and the next run.
+struct Recording {
+  std::string script = "launch\n";
+  std::vector<GameState> states;
+  uint64_t frames = 0;
+};
+
+Recording recordUntilSecondRun(const HeadlessOptions& options) {
+  std::ostringstream ignored;
+  HeadlessSession session(options, ignored);
+  session.run(LaunchCommand{});
+  Autoplayer player;
+  Recording recording;
+  recording.states.push_back(session.scene()->gameState);
+  while (recording.states.size() < 4 && recording.frames < 60'000) {
+    for (const KeyStroke& stroke : player.play(*session.scene())) {
+      recording.script += scriptLine(stroke);
+      session.run(KeyCommand{stroke.down, stroke.keyCode, false});
+    }
+    recording.script += "step\n";
+    session.run(StepCommand{1});
+    ++recording.frames;
+    if (session.scene()->gameState != recording.states.back()) recording.states.push_back(session.scene()->gameState);
+  }
+  return recording;
+}
+
+TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
+  const HeadlessOptions options = quietOptions(18);
+  const Recording recording = recordUntilSecondRun(options);
+  ASSERT_EQ(recording.states,
+            (std::vector<GameState>{GameState::menu, GameState::playing, GameState::gameOver, GameState::playing}));
+
+  const std::string autoplay = "autoplay " + std::to_string(recording.frames) + "\ndump\n";
+  const HeadlessRun first = runScript(autoplay, options);
+  ASSERT_EQ(first.status, 0) << first.err;
+  EXPECT_EQ(runScript(autoplay, options).out, first.out) << "the same seed plays the same game";
+  // Autoplay is nothing but keys and frames: the same keys in a plain script give the same game.
+  EXPECT_EQ(runScript(recording.script + "dump\n", options).out, first.out);
+  const Json dump = first.dumps().at(0);
+  EXPECT_EQ(dump["gameState"].text, "playing");
+  EXPECT_GT(dump["highScore"].number, dump["score"].number) << "the first run scored more than the new one";
+}
+
+}  // namespace
+}  // namespace zb::test
