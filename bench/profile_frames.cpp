@@ -2,12 +2,14 @@
 // to run. Instruction counts under callgrind are steady even on a busy machine:
 //   valgrind --tool=callgrind --toggle-collect='zb::GameScene::update(double)' zb_profile_frames update 3000
 //   valgrind --tool=callgrind --toggle-collect='zb::Renderer::draw(*' zb_profile_frames draw 100 800 600
+//   valgrind --tool=callgrind --toggle-collect='zb::bench::PlainCairoFrame::draw(*' zb_profile_frames plain 100 800 600
 #include <cairo.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
+#include "plain_cairo_frame.hpp"
 #include "platform/renderer.hpp"
 #include "scene_in_play.hpp"
 
@@ -16,7 +18,8 @@ namespace {
 constexpr double kFramesPerSecond = 60;
 
 int usage() {
-  std::fputs("usage: zb_profile_frames update FRAMES | draw FRAMES WIDTH HEIGHT\n", stderr);
+  std::fputs("usage: zb_profile_frames update FRAMES | draw FRAMES WIDTH HEIGHT | plain FRAMES WIDTH HEIGHT\n",
+             stderr);
   return 2;
 }
 
@@ -28,13 +31,19 @@ void stepFrames(zb::bench::SceneInPlay& game, long frames) {
   }
 }
 
-// Draws the same frame again and again, as the render benchmark does.
-void drawFrames(zb::bench::SceneInPlay& game, long frames, int width, int height) {
+// Draws the same frame again and again, as the render benchmark does, through the renderer or
+// through the plain-cairo baseline.
+void drawFrames(zb::bench::SceneInPlay& game, long frames, int width, int height, bool plain) {
   cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
   zb::Renderer renderer;
+  const zb::bench::PlainCairoFrame baseline(game.scene(), game.view().size());
   for (long i = 0; i < frames; ++i) {
     cairo_t* cr = cairo_create(image);
-    renderer.draw(cr, game.view(), 1.0, kFramesPerSecond);
+    if (plain) {
+      baseline.draw(cr);
+    } else {
+      renderer.draw(cr, game.view(), 1.0, kFramesPerSecond);
+    }
     cairo_destroy(cr);
   }
   cairo_surface_destroy(image);
@@ -51,12 +60,12 @@ int main(int argc, char** argv) {
     stepFrames(game, frames);
     return 0;
   }
-  if (mode == "draw" && argc == 5) {
+  if ((mode == "draw" || mode == "plain") && argc == 5) {
     const int width = std::atoi(argv[3]);
     const int height = std::atoi(argv[4]);
     if (width <= 0 || height <= 0) return usage();
     zb::bench::SceneInPlay game({static_cast<double>(width), static_cast<double>(height)});
-    drawFrames(game, frames, width, height);
+    drawFrames(game, frames, width, height, mode == "plain");
     return 0;
   }
   return usage();
