@@ -26,14 +26,24 @@ constexpr std::string_view kMarkerKey = "zb_fuzz_marker";
 
 [[noreturn]] void fail() { __builtin_trap(); }
 
-const fs::path& scratchFile() {
-  static const fs::path file = [] {
-    fs::path folder = fs::temp_directory_path() / ("zb-fuzz-prefs-" + std::to_string(::getpid()));
-    fs::create_directories(folder);
-    return folder / "preferences.ini";
-  }();
-  return file;
-}
+// The file under test lives in memory when the system offers it, because every write is flushed to
+// disk, which would otherwise set the pace. It goes away with the process.
+class ScratchFile {
+ public:
+  ScratchFile() {
+    fs::path base = fs::is_directory("/dev/shm") ? fs::path("/dev/shm") : fs::temp_directory_path();
+    folder_ = base / ("zb-fuzz-prefs-" + std::to_string(::getpid()));
+    fs::create_directories(folder_);
+  }
+  ~ScratchFile() {
+    std::error_code ignored;
+    fs::remove_all(folder_, ignored);
+  }
+  fs::path path() const { return folder_ / "preferences.ini"; }
+
+ private:
+  fs::path folder_;
+};
 
 void readEverything(zb::Preferences& store) {
   for (const auto& [key, value] : store.dictionaryRepresentation()) {
@@ -65,7 +75,8 @@ bool sameValue(const zb::PreferenceValue& a, const zb::PreferenceValue& b) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const fs::path& file = scratchFile();
+  static const ScratchFile scratch;
+  const fs::path file = scratch.path();
   std::ofstream(file, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(data),
                                                                 static_cast<std::streamsize>(size));
   std::map<std::string, zb::PreferenceValue> before;
