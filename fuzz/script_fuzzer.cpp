@@ -72,8 +72,18 @@ class Player {
     return options;
   }
 
+  // One file for every picture of the run, removed when the process ends.
   static std::string screenshotFile() {
-    return (std::filesystem::temp_directory_path() / ("zb-fuzz-shot-" + std::to_string(::getpid()) + ".png")).string();
+    struct Scratch {
+      std::filesystem::path file =
+          std::filesystem::temp_directory_path() / ("zb-fuzz-shot-" + std::to_string(::getpid()) + ".png");
+      ~Scratch() {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+      }
+    };
+    static const Scratch scratch;
+    return scratch.file.string();
   }
 
   uint64_t take(uint64_t frames) {
