@@ -12,8 +12,10 @@ namespace zb::bench {
 
 namespace {
 
+// The renderer's and the labels' own limits, so that both sides skip and clamp the same things.
 constexpr double kMaxFontSize = 10000;
 constexpr double kMaxWrapWidth = 1e6;
+constexpr double kMinDeterminant = 1e-12;
 
 struct Placed {
   const Node* node;
@@ -23,15 +25,15 @@ struct Placed {
 };
 
 cairo_matrix_t placementOf(const Node& node) {
+  if (node.zRotation == 0) return {node.xScale, 0, 0, node.yScale, node.position.x, node.position.y};
   const double c = std::cos(node.zRotation);
   const double s = std::sin(node.zRotation);
-  if (node.zRotation == 0) return {node.xScale, 0, 0, node.yScale, node.position.x, node.position.y};
   return {c * node.xScale, s * node.xScale, -s * node.yScale, c * node.yScale, node.position.x, node.position.y};
 }
 
 bool isInvertible(const cairo_matrix_t& m) {
   const double det = m.xx * m.yy - m.xy * m.yx;
-  return std::isfinite(det) && std::abs(det) > 1e-12 && std::isfinite(m.x0) && std::isfinite(m.y0);
+  return std::isfinite(det) && std::abs(det) > kMinDeterminant && std::isfinite(m.x0) && std::isfinite(m.y0);
 }
 
 void collect(const Node& parent, const cairo_matrix_t& parentToScene, double parentAlpha, double parentZ,
