@@ -34,7 +34,6 @@ TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
   EXPECT_EQ(parsed<MoveCommand>("move -3 7").location, (Point{-3, 7}));
   EXPECT_EQ(parsed<ResizeCommand>("resize 1024 768").size, (Size{1024, 768}));
   EXPECT_EQ(parsed<ResizeCommand>("resize 0 -0").size, (Size{0, 0}));
-  EXPECT_EQ(parsed<ResizeCommand>("resize 0 -0").size, (Size{0, 0}));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k int -12").value, PreferenceValue(int64_t{-12}));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k bool false").value, PreferenceValue(false));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k float 0.3").value, PreferenceValue(0.3f));
