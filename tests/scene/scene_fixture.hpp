@@ -1,7 +1,7 @@
 #pragma once
-// A GameScene attached to an in-memory view at a chosen size, with a seeded random source, a private
-// preferences store and a folder of (silent) sound files, so tests can drive the game through keys,
-// clicks and frames and see what it asks of its view: sounds, cursor, counters, full-screen.
+// A GameScene presented in an in-memory view, with a seeded random source, a private preferences store
+// and a folder of silent stand-in sounds, so tests drive the game by keys, clicks and frames and see
+// what it asks of its view: sounds, music volume, cursor, counters, full screen.
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -31,7 +31,7 @@ class TestWindow final : public Window {
   int toggles = 0;
 };
 
-// Writes down the stem of every effect played ("jump", "click", ...).
+// Writes down the stem of every effect played ("jump", "click", ...) and the music's last volume.
 class TestSoundOutput final : public SoundOutput {
  public:
   bool playEffect(const std::filesystem::path& file) override {
@@ -39,11 +39,12 @@ class TestSoundOutput final : public SoundOutput {
     return true;
   }
   void startLoop(const AudioNode&) override {}
-  void setLoopVolume(const AudioNode&, float) override {}
+  void setLoopVolume(const AudioNode&, float volume) override { loopVolume = volume; }
   void stopLoop(const AudioNode&) override {}
   // Effects since the last call.
   std::vector<std::string> take() { return std::exchange(effects, {}); }
   std::vector<std::string> effects;
+  float loopVolume = -1;
 };
 
 class TestView final : public View {
@@ -61,23 +62,28 @@ class TestView final : public View {
 };
 
 // Empty files stand in for the sounds: the test output never decodes them. They sit in the fallback
-// folder, which plays at once rather than at the next frame.
+// folder, which plays at once rather than at the next frame, and go when the tests end.
 inline std::filesystem::path makeSoundFolder() {
   namespace fs = std::filesystem;
-  static const fs::path folder = [] {
+  static const struct Folder {
     fs::path dir = fs::temp_directory_path() / ("zb-test-sounds-" + std::to_string(::getpid()));
-    fs::create_directories(dir / "Babylaughs");
-    for (const char* name : {"jump", "click", "explosion", "bg-music"}) std::ofstream(dir / (std::string(name) + ".mp3"));
-    for (int i = 1; i <= 4; ++i) std::ofstream(dir / "Babylaughs" / ("baby-laugh-" + std::to_string(i) + ".mp3"));
-    return dir;
-  }();
-  return folder;
+    Folder() {
+      fs::create_directories(dir / "Babylaughs");
+      for (std::string name : {"jump", "click", "explosion", "bg-music", "Babylaughs/baby-laugh-1",
+                               "Babylaughs/baby-laugh-2", "Babylaughs/baby-laugh-3", "Babylaughs/baby-laugh-4"}) {
+        std::ofstream(dir / (name + ".mp3"));
+      }
+    }
+    ~Folder() { fs::remove_all(dir); }
+  } folder;
+  return folder.dir;
 }
 
 struct SceneOptions {
   Size size{800, 600};
   uint64_t seed = 1;
-  bool withSounds = true;
+  bool withSounds = true;             // the stand-in folder as the fallback folder
+  std::filesystem::path resources{};  // a resource folder, searched before the fallback; empty: none
   bool withWindow = true;
   std::shared_ptr<MemoryPreferences> preferences = std::make_shared<MemoryPreferences>();
 };
@@ -89,6 +95,7 @@ class AttachedScene {
     scene = std::make_shared<GameScene>(options.size);
     GameServices services;
     services.preferences = preferences;
+    if (!options.resources.empty()) services.bundle = ResourceBundle(options.resources);
     if (options.withSounds) services.fallbackFolder = makeSoundFolder();
     scene->setServices(std::move(services));
     scene->random().seed(options.seed);
@@ -107,9 +114,7 @@ class AttachedScene {
   void release(uint16_t keyCode) { view->keyUp(KeyEvent{keyCode, 0, false}); }
   void click(Point pointInScene) { view->mouseDown(pointInScene); }
   // The middle of the node's frame, in scene coordinates.
-  Point centreOf(const Node& node) const {
-    return node.parent()->convertPointTo(node.frame().center(), *scene);
-  }
+  Point centreOf(const Node& node) const { return node.parent()->convertPointTo(node.frame().center(), *scene); }
   void clickOn(const Node& node) { click(centreOf(node)); }
   // The pause page's restart button has no field; it is found by name.
   Node& restartButton() const { return *scene->pauseOverlay->childNamed("btn_pause_restart"); }
@@ -120,6 +125,7 @@ class AttachedScene {
   }
 
   std::vector<std::string> sounds() { return view->sounds.take(); }
+  float musicVolume() const { return scene->backgroundMusicNode->volume(); }
 
   std::shared_ptr<MemoryPreferences> preferences;
   std::unique_ptr<TestView> view;
