@@ -1,4 +1,4 @@
-// The stick figure's build, its three poses, and what each pose leaves as it was.
+// The stick figure's three poses, and what each pose leaves as it was.
 #include <gtest/gtest.h>
 
 #include <ostream>
@@ -9,7 +9,6 @@ namespace zb {
 namespace {
 
 using test::AttachedScene;
-using test::SceneOptions;
 
 struct Segment {
   Point from, to;
@@ -18,117 +17,51 @@ struct Segment {
     *out << "(" << s.from.x << ", " << s.from.y << ") -> (" << s.to.x << ", " << s.to.y << ")";
   }
 };
+// Body, left arm, right arm, left leg, right leg.
+using Limbs = std::vector<Segment>;
 
-Segment segmentOf(const ShapeNode& limb) {
-  const auto& e = limb.path.elements();
-  EXPECT_EQ(e.size(), 2u);
-  if (e.size() < 2) return {};
-  return {e[0].point, e[1].point};
+Limbs limbs(const GameScene& s) {
+  Limbs result;
+  for (const auto& limb : {s.playerBody, s.playerArmLeft, s.playerArmRight, s.playerLegLeft, s.playerLegRight}) {
+    const auto& e = limb->path.elements();
+    result.push_back(e.size() == 2 ? Segment{e[0].point, e[1].point} : Segment{});
+  }
+  return result;
 }
 
 constexpr double kShift = 2.8000000000000003;
+constexpr Segment kStandingBody{{0, 10}, {0, -20}}, kCrouchedBody{{0, -2}, {0, -8}};
+constexpr Point kShoulder{0, 2}, kHip{0, -20};
 
-TEST(Rig, SetupPlacesTheFigureAndBuildsSixParts) {
-  AttachedScene narrow(SceneOptions{.size = {500, 400}});
-  EXPECT_EQ(narrow->playerContainer->position, (Point{120, 80}));
-  AttachedScene wide(SceneOptions{.size = {1000, 600}});
-  EXPECT_EQ(wide->playerContainer->position, (Point{180, 80}));
-
-  GameScene& s = *wide;
-  EXPECT_EQ(s.playerContainer->children().size(), 6u);
-  EXPECT_EQ(s.playerHead->parent(), s.playerContainer.get());
-  EXPECT_EQ(s.playerHead->position, (Point{0, 20}));
-  EXPECT_EQ(s.playerHead->lineWidth, 3);
-  EXPECT_EQ(s.playerHead->fillColor, Color::clear());
-  EXPECT_EQ(segmentOf(*s.playerBody), (Segment{{0, 10}, {0, -20}}));
-  EXPECT_EQ(segmentOf(*s.playerArmLeft), (Segment{{0, 2}, {-16, -10}}));
-  EXPECT_EQ(segmentOf(*s.playerArmRight), (Segment{{0, 2}, {16, -10}}));
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {-12, -44}}));
-  EXPECT_EQ(segmentOf(*s.playerLegRight), (Segment{{0, -20}, {12, -44}}));
-  for (const ShapeNodePtr& limb : {s.playerBody, s.playerArmLeft, s.playerLegRight}) {
-    EXPECT_EQ(limb->parent(), s.playerContainer.get());
-    EXPECT_EQ(limb->lineWidth, 3);
-    EXPECT_EQ(limb->lineCap, LineCap::round);
-  }
-}
-
-TEST(Rig, RunPoseAlternatesAWideAndANarrowStride) {
+TEST(Rig, PosesAndWhatTheyCarryOver) {
   AttachedScene game;
   GameScene& s = *game;
   s.currentPrimaryColor = Color::rgba(0.1, 0.2, 0.3, 1);
   s.applyRunPose(0);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {-kShift - 12, -44}}));
-  EXPECT_EQ(segmentOf(*s.playerLegRight), (Segment{{0, -20}, {12 + kShift, -44}}));
-  EXPECT_EQ(segmentOf(*s.playerArmLeft), (Segment{{0, 2}, {-kShift - 16, -10}}));
-  EXPECT_EQ(segmentOf(*s.playerArmRight), (Segment{{0, 2}, {16 + kShift, -10}}));
+  const Limbs wide{kStandingBody, {kShoulder, {-kShift - 16, -10}}, {kShoulder, {16 + kShift, -10}},
+                   {kHip, {-kShift - 12, -44}}, {kHip, {12 + kShift, -44}}};
+  EXPECT_EQ(limbs(s), wide);
   EXPECT_EQ(s.playerLegLeft->strokeColor, s.currentPrimaryColor);
-  EXPECT_EQ(s.playerArmRight->lineWidth, 3);
-  const Segment wide = segmentOf(*s.playerLegLeft);
-
   s.applyRunPose(1);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {kShift - 12, -44}}));
-  EXPECT_EQ(segmentOf(*s.playerArmRight), (Segment{{0, 2}, {16 - kShift, -10}}));
-  const Segment narrow = segmentOf(*s.playerLegLeft);
+  const Limbs narrow{kStandingBody, {kShoulder, {kShift - 16, -10}}, {kShoulder, {16 - kShift, -10}},
+                     {kHip, {kShift - 12, -44}}, {kHip, {12 - kShift, -44}}};
+  EXPECT_EQ(limbs(s), narrow);
+  for (int64_t index : {2, 3, -1, -2}) {
+    s.applyRunPose(index);
+    EXPECT_EQ(limbs(s), index % 2 == 0 ? wide : narrow) << "index " << index;
+  }
 
-  s.applyRunPose(2);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), wide);
-  s.applyRunPose(3);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), narrow);
-  // The remainder keeps the index's sign: odd negatives are narrow, even ones wide.
-  s.applyRunPose(-1);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), narrow);
-  s.applyRunPose(-2);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), wide);
-}
-
-TEST(Rig, DuckPoseCrouchesTheWholeFigure) {
-  AttachedScene game;
-  GameScene& s = *game;
   s.applyDuckPose(36);
-  EXPECT_EQ(segmentOf(*s.playerBody), (Segment{{0, -2}, {0, -8}}));
-  EXPECT_EQ(segmentOf(*s.playerArmLeft), (Segment{{0, -10}, {-18, -16}}));
-  EXPECT_EQ(segmentOf(*s.playerArmRight), (Segment{{0, -10}, {18, -16}}));
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -8}, {-12, -24}}));
-  EXPECT_EQ(segmentOf(*s.playerLegRight), (Segment{{0, -8}, {12, -24}}));
+  EXPECT_EQ(limbs(s), (Limbs{kCrouchedBody, {{0, -10}, {-18, -16}}, {{0, -10}, {18, -16}}, {{0, -8}, {-12, -24}},
+                             {{0, -8}, {12, -24}}}));
   EXPECT_EQ(s.playerHead->position, (Point{0, 8}));
-}
-
-TEST(Rig, AirPoseAndTheCarryOverBetweenPoses) {
-  AttachedScene game;
-  GameScene& s = *game;
-  s.applyDuckPose(36);
-  s.applyAirPose();
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {-8, -38}}));
-  EXPECT_EQ(segmentOf(*s.playerLegRight), (Segment{{0, -20}, {8, -38}}));
-  EXPECT_EQ(segmentOf(*s.playerArmLeft), (Segment{{0, 2}, {-10, -14}}));
-  EXPECT_EQ(segmentOf(*s.playerArmRight), (Segment{{0, 2}, {10, -14}}));
-  EXPECT_EQ(s.playerHead->position, (Point{0, 20}));
-  EXPECT_EQ(segmentOf(*s.playerBody), (Segment{{0, -2}, {0, -8}})) << "the crouched body stays";
-
-  s.applyDuckPose(36);
   s.applyRunPose(1);
   EXPECT_EQ(s.playerHead->position, (Point{0, 8})) << "running does not lift the head";
-  EXPECT_EQ(segmentOf(*s.playerBody), (Segment{{0, -2}, {0, -8}}));
-}
-
-TEST(Rig, TheFrameStepChoosesThePose) {
-  AttachedScene game;
-  GameScene& s = *game;
-  // On the menu: the air pose, or the duck pose while Down is held.
-  game.step();
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {-8, -38}}));
-  game.press(keycode::downArrow);
-  game.step();
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -8}, {-12, -24}}));
-  game.release(keycode::downArrow);
-  game.step();
-
-  // Running: the air pose lingers until the cycle first comes round.
-  game.press(keycode::space);
-  game.step(6);
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {-8, -38}}));
-  game.step();
-  EXPECT_EQ(segmentOf(*s.playerLegLeft), (Segment{{0, -20}, {kShift - 12, -44}}));
+  s.applyAirPose();
+  EXPECT_EQ(limbs(s), (Limbs{kCrouchedBody, {kShoulder, {-10, -14}}, {kShoulder, {10, -14}}, {kHip, {-8, -38}},
+                             {kHip, {8, -38}}}))
+      << "the crouched body stays";
+  EXPECT_EQ(s.playerHead->position, (Point{0, 20}));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Collisions at the edge of contact, the score and the difficulty schedule, and the overflow trap.
+// Collisions at the edge of contact, the difficulty schedule, and the trap past the score's limit.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -9,188 +9,104 @@ namespace zb {
 namespace {
 
 using GameState = GameScene::GameState;
-using ObstacleType = GameScene::ObstacleType;
-using test::AttachedScene;
+using T = GameScene::ObstacleType;
 
 struct Running {
   Running() {
     game.press(keycode::space);
-    s().spawnTimerFrames = 100000;  // only the obstacles a test places
+    s.spawnTimerFrames = 100000;  // only the obstacles a test places
   }
-  GameScene& s() { return *game; }
-
-  // Spawns one obstacle of the kind (through the pool, so the kind is not drawn) and returns it.
-  GameScene::ObstacleNodePtr place(ObstacleType type, double minX) {
-    const int64_t score = s().score;
-    s().score = 5000;
-    auto node = type == ObstacleType::barrel ? s().barrelObstacle(18)
-                : type == ObstacleType::planeHigh ? s().planeObstacle(GameScene::PlaneAltitude::high)
-                : type == ObstacleType::planeMedium ? s().planeObstacle(GameScene::PlaneAltitude::medium)
-                                                    : nullptr;
-    if (!node) {
-      node = std::make_shared<GameScene::ObstacleNode>();
-      node->path = Path::roundedRect(Rect::make(-13, -15, 26, 30), 4);
-    }
-    s().obstaclePool[type] = {node};
-    while (!s().obstaclePool[type].empty()) s().spawnObstacle();
-    s().score = score;
-    // Keep only the placed one.
-    std::erase_if(s().obstacleNodes, [&](const auto& n) {
-      if (n == node) return false;
-      n->removeFromParent();
-      return true;
-    });
+  // Spawns obstacles as the game does until one of the kind comes, keeps only that one and moves it
+  // so that its frame starts at minX.
+  GameScene::ObstacleNodePtr place(T type, double minX) {
+    const int64_t score = std::exchange(s.score, 5000);
+    do {
+      s.spawnObstacle();
+    } while (s.obstacleNodes.back()->obstacleType != type);
+    s.score = score;
+    const auto node = s.obstacleNodes.back();
+    for (const auto& other : s.obstacleNodes) other->removeFromParent();
+    s.obstacleNodes = {node};
+    s.addChild(node);
     node->position.x += minX - node->calculateAccumulatedFrame().minX();
     return node;
   }
-  AttachedScene game;
+  bool hits() {
+    s.checkCollisions();
+    return s.gameState == GameState::gameOver;
+  }
+  test::AttachedScene game;
+  GameScene& s = *game;
 };
 
-// The standing figure's box spans x 132..156 (container at 144) and y 50..110.
-constexpr double kPlayerRight = 156;
-
+// The standing figure's box spans x 132..156 and y 50..110.
 TEST(Collisions, TouchingIsNotAHitOverlappingIs) {
   Running r;
-  r.place(ObstacleType::boxSmall, kPlayerRight);
-  r.s().checkCollisions();
-  EXPECT_EQ(r.s().gameState, GameState::playing) << "edges touch";
-
-  r.s().obstacleNodes.front()->position.x -= 0.01;
-  r.s().checkCollisions();
-  EXPECT_EQ(r.s().gameState, GameState::gameOver);
-  ASSERT_TRUE(r.s().lastCollisionPoint.has_value());
-  const Rect hit = r.s().obstacleNodes.front()->calculateAccumulatedFrame();
-  EXPECT_EQ(*r.s().lastCollisionPoint, (Point{hit.midX(), hit.midY()}));
+  auto box = r.place(T::boxSmall, 156);
+  EXPECT_FALSE(r.hits()) << "edges touch";
+  box->position.x -= 0.01;
+  EXPECT_TRUE(r.hits());
+  const Rect hit = box->calculateAccumulatedFrame();
+  EXPECT_EQ(r.s.lastCollisionPoint, (Point{hit.midX(), hit.midY()}));
 }
 
-TEST(Collisions, FeetOnTheTopOfABoxClearIt) {
+TEST(Collisions, DuckingClearsTheHighPlaneButNotTheMediumOne) {
+  for (T plane : {T::planeMedium, T::planeHigh}) {
+    SCOPED_TRACE(toString(plane));
+    Running r;
+    r.place(plane, 140);
+    r.game.press(keycode::downArrow);
+    r.s.updatePlayer();
+    ASSERT_EQ(r.s.playerContainer->position.y, 68);
+    EXPECT_EQ(r.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
+  }
   Running r;
-  auto box = r.place(ObstacleType::boxSmall, 140);
-  const double top = box->calculateAccumulatedFrame().maxY();
-  r.s().playerFootAltitude = top - 50;
-  r.s().playerContainer->position.y = top + 30;
-  r.s().checkCollisions();
-  EXPECT_EQ(r.s().gameState, GameState::playing);
-  r.s().playerContainer->position.y -= 0.01;
-  r.s().checkCollisions();
-  EXPECT_EQ(r.s().gameState, GameState::gameOver);
-}
-
-TEST(Collisions, DuckingIsNoDefenceAgainstTheMediumPlane) {
-  {
-    Running r;
-    r.place(ObstacleType::planeMedium, 140);
-    r.game.press(keycode::downArrow);
-    r.s().updatePlayer();
-    ASSERT_EQ(r.s().playerContainer->position.y, 68);
-    r.s().checkCollisions();
-    EXPECT_EQ(r.s().gameState, GameState::gameOver) << "the ducking box reaches 86, the wedge starts at 84";
-  }
-  {
-    Running r;
-    r.place(ObstacleType::planeHigh, 140);
-    r.s().checkCollisions();
-    EXPECT_EQ(r.s().gameState, GameState::playing) << "the high plane clears a standing figure";
-    r.game.press(keycode::downArrow);
-    r.s().updatePlayer();
-    r.s().checkCollisions();
-    EXPECT_EQ(r.s().gameState, GameState::playing);
-    // Jumping into it is a hit.
-    r.s().playerFootAltitude = 40;
-    r.s().playerContainer->position.y = 50 + 30 + 40;
-    r.s().checkCollisions();
-    EXPECT_EQ(r.s().gameState, GameState::gameOver);
-  }
+  r.place(T::planeHigh, 140);
+  EXPECT_FALSE(r.hits()) << "the high plane clears a standing figure";
+  r.s.playerContainer->position.y = 80 + 40;
+  EXPECT_TRUE(r.hits()) << "but not a jumping one";
 }
 
 TEST(Collisions, OnlyTheOldestOverlappingObstacleCounts) {
   Running r;
-  auto older = r.place(ObstacleType::barrel, 140);
+  auto older = r.place(T::barrel, 140);
   auto newer = std::make_shared<GameScene::ObstacleNode>();
   newer->path = Path::roundedRect(Rect::make(-13, -15, 26, 30), 4);
   newer->position = {150, 66.5};
-  r.s().addChild(newer);
-  r.s().obstacleNodes.push_back(newer);
-  r.s().checkCollisions();
-  ASSERT_EQ(r.s().gameState, GameState::gameOver);
+  r.s.addChild(newer);
+  r.s.obstacleNodes.push_back(newer);
+  ASSERT_TRUE(r.hits());
   const Rect oldest = older->calculateAccumulatedFrame();
-  EXPECT_EQ(*r.s().lastCollisionPoint, (Point{oldest.midX(), oldest.midY()}));
+  EXPECT_EQ(r.s.lastCollisionPoint, (Point{oldest.midX(), oldest.midY()}));
 }
 
-TEST(Collisions, TheCrashFrameStillScores) {
+TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
   Running r;
-  r.game.step(10);
-  ASSERT_EQ(r.s().score, 10);
-  r.place(ObstacleType::boxSmall, 140);
-  r.game.step();
-  EXPECT_EQ(r.s().gameState, GameState::gameOver);
-  EXPECT_EQ(r.s().score, 11);
-  EXPECT_EQ(r.s().highScore, 11);
-  EXPECT_EQ(r.s().goScore->text(), "Score: 10") << "the page was filled before the last point";
-  r.game.step(5);
-  EXPECT_EQ(r.s().score, 11) << "nothing scores after the run";
-}
-
-TEST(Score, BestScoreRisesLive) {
-  Running r;
-  r.s().highScore = 3;
-  r.game.step(2);
-  EXPECT_EQ(r.s().highScore, 3);
-  r.game.step(2);
-  EXPECT_EQ(r.s().score, 4);
-  EXPECT_EQ(r.s().highScore, 4);
-  EXPECT_EQ(r.s().scoreLabel->text(), "Score: 4");
-}
-
-TEST(Score, DifficultyRisesEvery400Points) {
-  Running r;
-  GameScene& s = r.s();
-  s.score = 398;
-  s.incrementScoreAndDifficulty();
-  EXPECT_EQ(s.obstacleSpeed, 4.0);
-  s.incrementScoreAndDifficulty();
-  EXPECT_DOUBLE_EQ(s.obstacleSpeed, 4.6);
-  EXPECT_EQ(s.spawnIntervalMin, 66);
-  EXPECT_EQ(s.spawnIntervalMax, 140);
-  s.incrementScoreAndDifficulty();
-  EXPECT_DOUBLE_EQ(s.obstacleSpeed, 4.6) << "401 changes nothing";
-
-  const int64_t expectedMin[] = {60, 54, 48, 42, 36, 36, 36};
-  const int64_t expectedMax[] = {130, 120, 110, 100, 90, 80, 80};
-  for (int step = 0; step < 7; ++step) {
-    s.score = 800 + 400 * step - 1;
-    s.incrementScoreAndDifficulty();
-    EXPECT_EQ(s.spawnIntervalMin, expectedMin[step]) << "at " << s.score;
-    EXPECT_EQ(s.spawnIntervalMax, expectedMax[step]) << "at " << s.score;
+  const struct {
+    int64_t score;
+    double speed;
+    int64_t min, max;
+  } schedule[] = {{399, 4.0, 72, 150}, {400, 4.6, 66, 140}, {401, 4.6, 66, 140}, {800, 5.2, 60, 130},
+                  {1200, 5.8, 54, 120}, {1600, 6.4, 48, 110}, {2000, 7.0, 42, 100}, {2400, 7.6, 36, 90},
+                  {2800, 8.2, 36, 80},  {3200, 8.8, 36, 80}};
+  for (const auto& row : schedule) {
+    r.s.score = row.score - 1;
+    r.s.incrementScoreAndDifficulty();
+    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMin, row.min) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMax, row.max) << "at " << row.score;
   }
-  EXPECT_NEAR(s.obstacleSpeed, 4.0 + 8 * 0.6, 1e-9) << "the speed has no limit";
-}
-
-TEST(Score, OverflowTraps) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_DEATH(
-      {
-        Running r;
-        r.s().score = INT64_MAX;
-        r.s().incrementScoreAndDifficulty();
-      },
-      "");
-  EXPECT_DEATH(
-      {
-        Running r;
-        r.s().score = INT64_MAX - INT64_MAX % 400 - 1;  // the next point raises the difficulty
-        r.s().spawnIntervalMin = INT64_MIN;
-        r.s().incrementScoreAndDifficulty();
-      },
-      "");
-}
-
-TEST(Score, NearTheLimitTheGameStillRuns) {
-  Running r;
-  r.s().score = INT64_MAX - 5;
+  r.s.score = INT64_MAX - 5;
   r.game.step(5);
-  EXPECT_EQ(r.s().score, INT64_MAX);
-  EXPECT_EQ(r.s().gameState, GameState::playing);
+  EXPECT_EQ(r.s.score, INT64_MAX) << "the game runs right up to the limit";
+}
+
+// A detached scene, so that the re-run in the child process leaves no sound folder behind.
+TEST(ScoreDeathTest, AScorePastTheLimitTraps) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  GameScene scene;
+  scene.score = INT64_MAX;
+  EXPECT_DEATH(scene.incrementScoreAndDifficulty(), "");
 }
 
 }  // namespace
