@@ -45,6 +45,21 @@ class TimedAction : public Action {
   double duration_;
 };
 
+// The description of a timed action whose runs take one parameter besides the time: each start makes
+// a fresh run, so one description can run on many nodes at once.
+template <class RunType, class Param, bool kRunsWhilePaused = false>
+class TimedActionWith final : public TimedAction {
+ public:
+  TimedActionWith(Param param, double duration) : TimedAction(duration), param_(param) {}
+  bool runsWhilePaused() const override { return kRunsWhilePaused; }
+  std::unique_ptr<Run> start(Node& target) const override {
+    return std::make_unique<RunType>(target, param_, duration_);
+  }
+
+ private:
+  Param param_;
+};
+
 // Moves by a total offset, applying only the change since its last step so that moves add up. While
 // nothing else moves the node it places it at start + total * t, so a move ends exactly on its target.
 class MoveByRun final : public TimedRun {
@@ -73,17 +88,6 @@ class MoveByRun final : public TimedRun {
   Point applied_;
 };
 
-class MoveBy final : public TimedAction {
- public:
-  MoveBy(Point delta, double duration) : TimedAction(duration), delta_(delta) {}
-  std::unique_ptr<Run> start(Node& target) const override {
-    return std::make_unique<MoveByRun>(target, delta_, duration_);
-  }
-
- private:
-  Point delta_;
-};
-
 class MoveToXRun final : public TimedRun {
  public:
   MoveToXRun(const Node& target, double x, double duration) : TimedRun(duration), from_(target.position.x), to_(x) {}
@@ -94,17 +98,6 @@ class MoveToXRun final : public TimedRun {
  private:
   double from_;
   double to_;
-};
-
-class MoveToX final : public TimedAction {
- public:
-  MoveToX(double x, double duration) : TimedAction(duration), x_(x) {}
-  std::unique_ptr<Run> start(Node& target) const override {
-    return std::make_unique<MoveToXRun>(target, x_, duration_);
-  }
-
- private:
-  double x_;
 };
 
 class FadeOutRun final : public TimedRun {
@@ -150,17 +143,6 @@ class RotateByRun final : public TimedRun {
   double applied_ = 0;
 };
 
-class RotateBy final : public TimedAction {
- public:
-  RotateBy(double angle, double duration) : TimedAction(duration), angle_(angle) {}
-  std::unique_ptr<Run> start(Node& target) const override {
-    return std::make_unique<RotateByRun>(target, angle_, duration_);
-  }
-
- private:
-  double angle_;
-};
-
 class ChangeVolumeRun final : public TimedRun {
  public:
   ChangeVolumeRun(Node& target, float volume, double duration)
@@ -177,18 +159,6 @@ class ChangeVolumeRun final : public TimedRun {
   AudioNode* audio_;
   float from_ = 0;
   float to_;
-};
-
-class ChangeVolumeTo final : public TimedAction {
- public:
-  ChangeVolumeTo(float volume, double duration) : TimedAction(duration), volume_(volume) {}
-  bool runsWhilePaused() const override { return true; }
-  std::unique_ptr<Run> start(Node& target) const override {
-    return std::make_unique<ChangeVolumeRun>(target, volume_, duration_);
-  }
-
- private:
-  float volume_;
 };
 
 // An action that does its work once, at its first step, and passes all of that step's time on.
@@ -306,11 +276,11 @@ class RepeatForever final : public Action {
 
 namespace actions {
 
-ActionPtr moveBy(double dx, double dy, double duration) { return std::make_shared<MoveBy>(Point{dx, dy}, duration); }
-ActionPtr moveToX(double x, double duration) { return std::make_shared<MoveToX>(x, duration); }
+ActionPtr moveBy(double dx, double dy, double duration) { return std::make_shared<TimedActionWith<MoveByRun, Point>>(Point{dx, dy}, duration); }
+ActionPtr moveToX(double x, double duration) { return std::make_shared<TimedActionWith<MoveToXRun, double>>(x, duration); }
 ActionPtr fadeOut(double duration) { return std::make_shared<FadeOut>(duration); }
-ActionPtr rotateBy(double angle, double duration) { return std::make_shared<RotateBy>(angle, duration); }
-ActionPtr changeVolumeTo(float volume, double duration) { return std::make_shared<ChangeVolumeTo>(volume, duration); }
+ActionPtr rotateBy(double angle, double duration) { return std::make_shared<TimedActionWith<RotateByRun, double>>(angle, duration); }
+ActionPtr changeVolumeTo(float volume, double duration) { return std::make_shared<TimedActionWith<ChangeVolumeRun, float, true>>(volume, duration); }
 ActionPtr playSoundFile(std::filesystem::path file) { return std::make_shared<PlaySoundFile>(std::move(file)); }
 ActionPtr removeFromParent() { return std::make_shared<RemoveFromParent>(); }
 ActionPtr sequence(std::vector<ActionPtr> parts) { return std::make_shared<Sequence>(std::move(parts)); }
