@@ -52,24 +52,8 @@ void collect(const Node& parent, const cairo_matrix_t& parentToScene, double par
   }
 }
 
-// The same font set-up as the game's labels: its font aliases, no metric hinting, unrounded glyph
-// positions.
-PangoContext* textContext() {
-  static PangoContext* context = [] {
-    installFontAliases();
-    PangoFontMap* fontMap = pango_cairo_font_map_new();
-    PangoContext* c = pango_font_map_create_context(fontMap);
-    g_object_unref(fontMap);
-    cairo_font_options_t* options = cairo_font_options_create();
-    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-    pango_cairo_context_set_font_options(c, options);
-    cairo_font_options_destroy(options);
-    pango_context_set_round_glyph_positions(c, FALSE);
-    return c;
-  }();
-  return context;
-}
+// The game's own pango context: the same fonts, hinting and glyph positions as its labels.
+PangoContext* textContext() { return sharedTextContext(); }
 
 double points(int pangoUnits) { return static_cast<double>(pangoUnits) / PANGO_SCALE; }
 

@@ -183,6 +183,8 @@ void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha) {
   cairo_restore(cr);
 }
 
+PangoContext* sharedTextContext() { return sharedContext(); }
+
 std::string resolvedFamilyFor(const char* family) {
   PangoContext* context = sharedContext();
   PangoFontDescription* description = pango_font_description_new();

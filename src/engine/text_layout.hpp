@@ -7,6 +7,7 @@
 #include "engine/geometry.hpp"
 
 typedef struct _cairo cairo_t;
+typedef struct _PangoContext PangoContext;
 
 namespace zb {
 
@@ -22,6 +23,10 @@ std::optional<Rect> measureLabel(const LabelNode& label);
 // Draws the label's text in its font colour, times `alpha`, with the current cairo user space taken
 // as the label's own coordinates with y up (the text is flipped upright internally).
 void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha);
+
+// The one pango context every label is laid out in: the font aliases, no metric hinting and
+// unrounded glyph positions, so a layout measures the same at any drawing scale. Owned by the engine.
+PangoContext* sharedTextContext();
 
 // Name of the font family that "Menlo" resolves to (for checks and diagnostics).
 std::string resolvedFamilyFor(const char* family);
