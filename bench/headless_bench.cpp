@@ -7,7 +7,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "app/headless_driver.hpp"
+#include "headless/headless_driver.hpp"
 
 namespace zb::bench {
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "app/autoplay.hpp"
+#include "player/autoplay.hpp"
 #include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 

@@ -9,8 +9,8 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "app/headless_session.hpp"
-#include "app/script_command.hpp"
+#include "headless/headless_session.hpp"
+#include "headless/script_command.hpp"
 #include "settings/preference_keys.hpp"
 #include "json_check.hpp"
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "app/command_line.hpp"
-#include "app/headless_driver.hpp"
+#include "headless/headless_driver.hpp"
 #include "app/windowed_app.hpp"
 
 int main(int argc, char** argv) {

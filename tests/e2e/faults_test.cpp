@@ -9,7 +9,7 @@
 #include <iterator>
 #include <regex>
 
-#include "app/headless_test_support.hpp"
+#include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
 
 namespace zb::test {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/headless_test_support.hpp"
+#include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
 
 namespace zb::test {

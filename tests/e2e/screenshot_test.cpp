@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "app/headless_test_support.hpp"
+#include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
 
 namespace zb::test {

@@ -11,8 +11,8 @@
 #include <sstream>
 #include <string>
 
-#include "app/headless_session.hpp"
-#include "app/headless_test_support.hpp"
+#include "headless/headless_session.hpp"
+#include "headless/headless_test_support.hpp"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define ZB_ADDRESS_SANITIZER 1

@@ -2,7 +2,7 @@
 // A view and window that exist only in memory, for headless runs. The window behaves like a real
 // one where the game can tell the difference: the game's own full-screen request takes effect a
 // frame later (a real window animates first), while the window manager's toggle is immediate.
-#include "app/recording_sound.hpp"
+#include "headless/recording_sound.hpp"
 #include "engine/view.hpp"
 
 namespace zb {

@@ -1,6 +1,6 @@
-#include "app/headless_session.hpp"
+#include "headless/headless_session.hpp"
 
-#include "app/dump_state.hpp"
+#include "headless/dump_state.hpp"
 #include "engine/text_layout.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"

@@ -1,4 +1,4 @@
-#include "app/headless_driver.hpp"
+#include "headless/headless_driver.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/headless_session.hpp"
-#include "app/script_command.hpp"
+#include "headless/headless_session.hpp"
+#include "headless/script_command.hpp"
 
 namespace zb {
 namespace {

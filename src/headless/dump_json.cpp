@@ -1,4 +1,4 @@
-#include "app/dump_json.hpp"
+#include "headless/dump_json.hpp"
 
 #include <charconv>
 #include <cmath>

@@ -1,8 +1,8 @@
-#include "app/headless_driver.hpp"
+#include "headless/headless_driver.hpp"
 
 #include <gtest/gtest.h>
 
-#include "app/headless_test_support.hpp"
+#include "headless/headless_test_support.hpp"
 
 namespace zb::test {
 namespace {

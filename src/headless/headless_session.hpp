@@ -6,10 +6,10 @@
 #include <ostream>
 #include <string>
 
-#include "app/autoplay.hpp"
-#include "app/headless_driver.hpp"
-#include "app/script_command.hpp"
-#include "app/virtual_view.hpp"
+#include "player/autoplay.hpp"
+#include "headless/headless_driver.hpp"
+#include "headless/script_command.hpp"
+#include "headless/virtual_view.hpp"
 #include "platform/renderer.hpp"
 #include "scene/game_scene.hpp"
 

@@ -1,4 +1,4 @@
-#include "app/autoplay.hpp"
+#include "player/autoplay.hpp"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "app/headless_session.hpp"
-#include "app/headless_test_support.hpp"
+#include "headless/headless_session.hpp"
+#include "headless/headless_test_support.hpp"
 #include "engine/path.hpp"
 #include "scene/scene_fixture.hpp"
 

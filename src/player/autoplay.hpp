@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/jump_planner.hpp"
+#include "player/jump_planner.hpp"
 #include "engine/node.hpp"
 #include "scene/game_scene.hpp"
 

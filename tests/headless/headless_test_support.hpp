@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/headless_driver.hpp"
+#include "headless/headless_driver.hpp"
 #include "support/json_reader.hpp"
 
 namespace zb::test {

@@ -1,9 +1,9 @@
-#include "app/dump_state.hpp"
+#include "headless/dump_state.hpp"
 
 #include <utility>
 
-#include "app/dump_json.hpp"
-#include "app/virtual_view.hpp"
+#include "headless/dump_json.hpp"
+#include "headless/virtual_view.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {

@@ -2,7 +2,7 @@
 // could take off, it can wait a frame, jump, or jump and jump again within the coyote time; the
 // best of these is worked out backwards from the moment the last obstacle in sight has passed, so
 // each choice already knows whether what follows it can still be survived.
-#include "app/jump_planner.hpp"
+#include "player/jump_planner.hpp"
 
 #include <algorithm>
 #include <limits>

@@ -1,4 +1,4 @@
-#include "app/recording_sound.hpp"
+#include "headless/recording_sound.hpp"
 
 #include "engine/audio_node.hpp"
 #include "engine/resources.hpp"

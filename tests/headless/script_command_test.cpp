@@ -1,4 +1,4 @@
-#include "app/script_command.hpp"
+#include "headless/script_command.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // The built-in player at the keyboard. In a run it plans its jumps from the outlines in sight and
 // follows the plan, planning again whenever something new comes into sight; on any other page it
 // waits a moment and presses the key that gets it back into a run.
-#include "app/autoplay.hpp"
+#include "player/autoplay.hpp"
 
 #include <algorithm>
 #include <cmath>

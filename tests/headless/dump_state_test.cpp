@@ -1,11 +1,11 @@
-#include "app/dump_state.hpp"
+#include "headless/dump_state.hpp"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
-#include "app/headless_session.hpp"
-#include "app/headless_test_support.hpp"
+#include "headless/headless_session.hpp"
+#include "headless/headless_test_support.hpp"
 
 namespace zb::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/virtual_view.hpp"
+#include "headless/virtual_view.hpp"
 
 namespace zb {
 
