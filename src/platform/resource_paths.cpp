@@ -21,11 +21,17 @@ std::filesystem::path executableFolder() {
 }  // namespace
 
 std::filesystem::path defaultResourceFolder() {
-  // A build tree runs with the sounds it just copied; an installed game with the installed ones; a
-  // relocated one with a "resources" folder next to it.
+  // An installed game plays the sounds installed beside it, wherever its tree was moved to (and
+  // whatever build tree is still lying around); a build tree runs with the sounds it just copied;
+  // then the install prefix it was built for; then a "resources" folder next to the executable.
+  const std::filesystem::path exeFolder = executableFolder();
+  if (!exeFolder.empty()) {
+    const std::filesystem::path installed = (exeFolder / ZB_SOUNDS_FROM_EXECUTABLE).lexically_normal();
+    if (isFolder(installed)) return installed;
+  }
   if (isFolder(ZB_BUILD_RESOURCES)) return ZB_BUILD_RESOURCES;
   if (isFolder(ZB_INSTALL_RESOURCES)) return ZB_INSTALL_RESOURCES;
-  return executableFolder() / "resources";
+  return exeFolder / "resources";
 }
 
 std::filesystem::path defaultFallbackFolder() { return ZB_FALLBACK_SOUNDS; }

@@ -1,6 +1,6 @@
 #pragma once
-// Where the game's sounds live: the build tree's resource folder when running from a build, else the
-// installed one; and the fixed fallback folder compiled in.
+// Where the game's sounds live: the installed folder found from the executable's own place, else the
+// build tree's resource folder when running from a build; and the fixed fallback folder compiled in.
 #include <filesystem>
 
 namespace zb {

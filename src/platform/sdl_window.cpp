@@ -1,5 +1,6 @@
 #include "platform/sdl_window.hpp"
 #include "platform/foreign_allocations.hpp"
+#include "platform/window_identity.hpp"
 
 #include <SDL.h>
 
@@ -35,6 +36,7 @@ bool initSdlVideo(std::string& error) {
   ForeignAllocations drivers;
   const bool chosenByUser = isSet("SDL_VIDEODRIVER");
   if (!chosenByUser) SDL_SetHint(SDL_HINT_VIDEODRIVER, visibleDrivers().c_str());
+  announceWindowClass();
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     error = SDL_GetError();
     return false;
@@ -61,6 +63,7 @@ std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::stri
     return nullptr;
   }
   SDL_SetWindowMinimumSize(window, static_cast<int>(kMinimumSize.width), static_cast<int>(kMinimumSize.height));
+  setWindowIcon(window);
   return std::unique_ptr<SdlWindow>(new SdlWindow(window));
 }
 

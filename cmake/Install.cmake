@@ -1,0 +1,95 @@
+# Installing the game as a Linux desktop application: the program, its sounds, the desktop entry, the
+# AppStream metainfo, the icons of the hicolor theme, the man page and the package documents, all
+# through GNUInstallDirs; and a .deb made by CPack from the same install rules.
+include(GNUInstallDirs)
+
+# One reverse-DNS id names the desktop entry, the metainfo, the icon and the window's class, so that a
+# desktop can match the running window to its launcher and its software-centre listing.
+set(ZB_APP_ID "io.github.zindlebop.zindlebop")
+set(ZB_SOUND_INSTALL_DIR "${CMAKE_INSTALL_DATADIR}/zindlebop")
+# Sounds are looked up from the executable's own folder, so that a whole installed tree can move.
+file(RELATIVE_PATH ZB_SOUNDS_FROM_EXECUTABLE "${CMAKE_INSTALL_FULL_BINDIR}"
+     "${CMAKE_INSTALL_PREFIX}/${ZB_SOUND_INSTALL_DIR}")
+target_compile_definitions(zb_platform PRIVATE
+  ZB_APP_ID="${ZB_APP_ID}"
+  ZB_SOUNDS_FROM_EXECUTABLE="${ZB_SOUNDS_FROM_EXECUTABLE}")
+
+# Every picture of the icon comes from the one SVG, converted at build time, so none can drift.
+find_program(ZB_RSVG_CONVERT rsvg-convert REQUIRED)
+set(ZB_ICON_SOURCE "${PROJECT_SOURCE_DIR}/assets/${ZB_APP_ID}.svg")
+set(ZB_ICON_THEME "${CMAKE_BINARY_DIR}/icons/hicolor")
+# The window's own icon: big enough for a task switcher, small enough for one X property.
+set(ZB_WINDOW_ICON_SIZE 128)
+set(ZB_GENERATED_FILES)
+foreach(size 48 128 256)
+  set(folder "${ZB_ICON_THEME}/${size}x${size}/apps")
+  add_custom_command(OUTPUT "${folder}/${ZB_APP_ID}.png"
+    COMMAND ${CMAKE_COMMAND} -E make_directory "${folder}"
+    COMMAND ${ZB_RSVG_CONVERT} --width=${size} --height=${size} "--output=${folder}/${ZB_APP_ID}.png" "${ZB_ICON_SOURCE}"
+    DEPENDS "${ZB_ICON_SOURCE}"
+    COMMENT "Drawing the ${size} px icon"
+    VERBATIM)
+  list(APPEND ZB_GENERATED_FILES "${folder}/${ZB_APP_ID}.png")
+  install(FILES "${folder}/${ZB_APP_ID}.png" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps")
+endforeach()
+
+set(ZB_WINDOW_ICON_CODE "${CMAKE_BINARY_DIR}/generated/window_icon_png.cpp")
+set(ZB_WINDOW_ICON_PNG "${ZB_ICON_THEME}/${ZB_WINDOW_ICON_SIZE}x${ZB_WINDOW_ICON_SIZE}/apps/${ZB_APP_ID}.png")
+add_custom_command(OUTPUT "${ZB_WINDOW_ICON_CODE}"
+  COMMAND ${CMAKE_COMMAND} "-DPNG=${ZB_WINDOW_ICON_PNG}" "-DOUTPUT=${ZB_WINDOW_ICON_CODE}"
+          -P "${PROJECT_SOURCE_DIR}/cmake/EmbedWindowIcon.cmake"
+  DEPENDS "${ZB_WINDOW_ICON_PNG}" "${PROJECT_SOURCE_DIR}/cmake/EmbedWindowIcon.cmake"
+  COMMENT "Embedding the window icon"
+  VERBATIM)
+target_sources(zb_platform PRIVATE "${ZB_WINDOW_ICON_CODE}")
+
+# Manual page and package documents, compressed the way Debian expects them.
+set(ZB_COMPRESSED_DOCS
+  "assets/zindlebop.6|man/zindlebop.6.gz"
+  "packaging/changelog|doc/changelog.gz")
+foreach(pair IN LISTS ZB_COMPRESSED_DOCS)
+  string(REPLACE "|" ";" pair "${pair}")
+  list(GET pair 0 source)
+  list(GET pair 1 output)
+  add_custom_command(OUTPUT "${CMAKE_BINARY_DIR}/${output}"
+    COMMAND sh -c "mkdir -p \"$(dirname \"$2\")\" && gzip -9nc \"$1\" > \"$2\"" sh
+            "${PROJECT_SOURCE_DIR}/${source}" "${CMAKE_BINARY_DIR}/${output}"
+    DEPENDS "${PROJECT_SOURCE_DIR}/${source}"
+    VERBATIM)
+  list(APPEND ZB_GENERATED_FILES "${CMAKE_BINARY_DIR}/${output}")
+endforeach()
+add_custom_target(zb_install_files ALL DEPENDS ${ZB_GENERATED_FILES})
+
+install(TARGETS zindlebop RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+install(FILES ${ZB_SOUND_FILES} DESTINATION "${ZB_SOUND_INSTALL_DIR}")
+install(FILES "assets/${ZB_APP_ID}.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
+install(FILES "assets/${ZB_APP_ID}.metainfo.xml" DESTINATION "${CMAKE_INSTALL_DATADIR}/metainfo")
+install(FILES "${ZB_ICON_SOURCE}" DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps")
+install(FILES "${CMAKE_BINARY_DIR}/man/zindlebop.6.gz" DESTINATION "${CMAKE_INSTALL_MANDIR}/man6")
+install(FILES packaging/copyright "${CMAKE_BINARY_DIR}/doc/changelog.gz" DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+
+# cpack -G DEB in the build folder. Dependencies come from the shared libraries the game links
+# (dpkg-shlibdeps); the font is read at run time, so no library names it.
+set(CPACK_PACKAGE_NAME zindlebop)
+set(CPACK_PACKAGE_VENDOR "Zindlebop developers")
+set(CPACK_PACKAGE_CONTACT "Zindlebop developers <zindlebop@users.noreply.github.com>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "endless runner drawn in lines")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "endless runner drawn in lines
+ A stick figure runs along a ground line while boxes, barrels and planes come
+ from the right. Jump and duck to survive; the game speeds up as the score
+ grows, and the palette changes as it goes. Played with the keyboard or the mouse.")
+set(CPACK_DEBIAN_PACKAGE_SECTION games)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://github.com/zindlebop/zindlebop")
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "fonts-dejavu-core")
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+include(CPack)
+
+if(ZB_TESTS)
+  enable_testing()
+  add_subdirectory(tests/install)
+endif()
