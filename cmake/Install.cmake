@@ -1,6 +1,9 @@
 # Installing the game as a Linux desktop application: the program, its sounds, the desktop entry, the
 # AppStream metainfo, the icons of the hicolor theme, the man page and the package documents, all
 # through GNUInstallDirs; and a .deb made by CPack from the same install rules.
+# Debian keeps games in /usr/games (and /usr/local/games), both on its users' PATH; a distribution
+# without them passes -DCMAKE_INSTALL_BINDIR=bin.
+set(CMAKE_INSTALL_BINDIR games CACHE PATH "Folder for the game's executable, under the prefix")
 include(GNUInstallDirs)
 
 # One reverse-DNS id names the desktop entry, the metainfo, the icon and the window's class, so that a
@@ -74,10 +77,10 @@ set(CPACK_PACKAGE_NAME zindlebop)
 set(CPACK_PACKAGE_VENDOR "Zindlebop developers")
 set(CPACK_PACKAGE_CONTACT "Zindlebop developers <zindlebop@users.noreply.github.com>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "endless runner drawn in lines")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "endless runner drawn in lines
- A stick figure runs along a ground line while boxes, barrels and planes come
- from the right. Jump and duck to survive; the game speeds up as the score
- grows, and the palette changes as it goes. Played with the keyboard or the mouse.")
+set(CPACK_PACKAGE_DESCRIPTION "A stick figure runs along a ground line while boxes, barrels and planes
+come from the right. Jump and duck to survive; the game speeds up as the
+score grows, and the palette changes as it goes. Played with the keyboard
+or the mouse.")
 set(CPACK_DEBIAN_PACKAGE_SECTION games)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://github.com/zindlebop/zindlebop")
