@@ -66,6 +66,8 @@ TEST(InstalledTree, ManPageReadsWithoutWarningsAndCoversEveryOption) {
   const BinaryRun man = runTool({"LC_ALL=C", "MANWIDTH=80", "man", "--warnings", "-l", page.string()});
   EXPECT_EQ(man.status, 0);
   EXPECT_EQ(man.err, "");
+  const std::string version = runBinary({(tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop").string(), "--version"}).out;
+  EXPECT_NE(man.out.find(version.substr(0, version.find('\n'))), std::string::npos) << "the page is not of " << version;
   const BinaryRun help = runBinary({(tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop").string(), "--help"});
   const std::regex option("--[a-z]+");
   for (std::sregex_iterator it(help.out.begin(), help.out.end(), option), end; it != end; ++it) {
