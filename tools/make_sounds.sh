@@ -4,8 +4,8 @@
 # comes from sox's fixed seed (-R), and every level is measured rather than remembered.
 #
 # Levels: every file is centred (no DC), keeps its true peak at -1 dBTP or below, and sits at a set
-# loudness: the music at -19 LUFS integrated, each effect's loudest 400 ms (with silence around it, as
-# when it plays alone) between -22 and -12 LUFS, the laughs within a decibel of the explosion they
+# loudness: the music at -20 LUFS integrated, each effect's loudest 400 ms (with silence around it, as
+# when it plays alone) between -22 and -12 LUFS, the laughs within about a decibel of the explosion they
 # follow so that the taunt is heard over the bang. The script ends by measuring the MP3s it wrote and
 # fails if any is out of bounds.
 #
