@@ -32,7 +32,7 @@ readonly MUSIC_LUFS=-20
 readonly EXPLOSION_LUFS=-15
 readonly LAUGH_LUFS=-16
 readonly JUMP_LUFS=-18   # quieter than the others because it plays on every jump
-readonly CLICK_LUFS=-19.5
+readonly CLICK_LUFS=-19.5  # the codec takes about a decibel off its bright attack
 # Bounds the finished MP3s must meet; the targets sit well inside them, so the codec's small changes
 # cannot push a file out.
 readonly MAX_TRUE_PEAK=-1      # dBTP
@@ -157,7 +157,7 @@ render_melody() {
 render_bass() {
   local args=() bar root step low high
   for ((bar = 0; bar < BARS; bar++)); do
-    root=$(echo $CHORD_ROOTS | cut -d' ' -f$((bar % 4 + 1)))
+    root=$(echo "$CHORD_ROOTS" | cut -d' ' -f$((bar % 4 + 1)))
     low=$(freq "${root}2"); high=$(freq "${root}3")
     for ((step = 0; step < EIGHTHS_PER_BAR; step++)); do
       local f=$low; ((step % 2)) && f=$high
