@@ -21,6 +21,11 @@ constexpr int kEffectChannels = 16;
 // The loop starts before the scene's first volume step reaches it; a short fade-in keeps that first
 // buffer from sounding at full volume.
 constexpr int kLoopFadeInMs = 60;
+// Every effect plays through this master volume, out of the mixer's 128, and the music at its own
+// full volume. A crash starts the jump's tail, the explosion and a laugh together; over the loudest
+// bar of the music at volume 1.0 they would add up past full scale, where SDL clips, so the effects
+// give up 5 dB together and keep their levels relative to each other.
+constexpr int kEffectsMasterVolume = 72;
 
 int mixerVolume(float volume) {
   if (!(volume > 0)) return 0;  // also NaN
@@ -53,6 +58,7 @@ std::unique_ptr<MixerSoundOutput> MixerSoundOutput::open() {
     return nullptr;
   }
   Mix_AllocateChannels(kEffectChannels);
+  Mix_MasterVolume(kEffectsMasterVolume);
   std::unique_ptr<MixerSoundOutput> output(new MixerSoundOutput());
   output->impl_ = std::make_unique<Impl>();
   return output;
