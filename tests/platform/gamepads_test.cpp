@@ -5,7 +5,10 @@
 #include <SDL.h>
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <string>
 #include <optional>
 
 #include "platform/sdl_events.hpp"
@@ -36,6 +39,9 @@ class VirtualPads : public testing::Test {
     desc.naxes = SDL_CONTROLLER_AXIS_MAX;
     desc.nbuttons = kGamepadButtonCount;
     desc.name = "Test Pad";
+    // An identity of its own, so that a layout file can name this model.
+    desc.vendor_id = 0x1234;
+    desc.product_id = 0x5678;
     const int index = SDL_JoystickAttachVirtualEx(&desc);
     EXPECT_GE(index, 0) << SDL_GetError();
     SDL_Joystick* joystick = SDL_JoystickOpen(index);
@@ -72,8 +78,6 @@ class VirtualPads : public testing::Test {
 
   test::AttachedScene game;
   std::optional<SdlGamepads> pads;
-
- private:
   std::vector<SDL_Joystick*> held_;
 };
 
@@ -165,6 +169,30 @@ TEST_F(VirtualPads, TheLeftStickDucksOnlyPastHalfWayDown) {
   SDL_JoystickSetVirtualAxis(pad, SDL_CONTROLLER_AXIS_LEFTX, 32767);
   pump();
   EXPECT_FALSE(game->isDucking);
+}
+
+TEST_F(VirtualPads, ExtraLayoutsComeFromTheFileSdlIsToldAbout) {
+  char guid[64] = {};
+  SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(attach()), guid, sizeof guid);
+  // SDL reads the file when its joystick layer starts, as it does at the game's start.
+  for (SDL_Joystick* joystick : held_) SDL_JoystickClose(joystick);
+  held_.clear();
+  SDL_Quit();
+  // A pad whose bottom face button reports as the second button.
+  const std::string file = testing::TempDir() + "zindlebop-pads.txt";
+  std::ofstream(file) << guid << ",Odd Pad,a:b1,b:b0,platform:Linux,\n";
+  setenv("SDL_GAMECONTROLLERCONFIG_FILE", file.c_str(), 1);
+  ASSERT_EQ(SDL_Init(SDL_INIT_JOYSTICK | SDL_INIT_EVENTS), 0) << SDL_GetError();
+  SDL_Joystick* pad = attach();
+  startPads();
+  unsetenv("SDL_GAMECONTROLLERCONFIG_FILE");
+  std::remove(file.c_str());
+
+  button(pad, SDL_CONTROLLER_BUTTON_A, true);  // the first button: B in this layout
+  EXPECT_EQ(game->gameState, State::menu);
+  EXPECT_TRUE(game->isDucking);
+  tap(pad, SDL_CONTROLLER_BUTTON_B);
+  EXPECT_EQ(game->gameState, State::playing);
 }
 
 }  // namespace
