@@ -129,7 +129,6 @@ TEST_F(PrivateBus, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAre
       {{kSettingsXml, false, true}, true},
       {{kSettingsXml, true, true}, false},
       {{kOldSettingsXml, false, true}, true},
-      {{kOldSettingsXml, true, true}, false},
       {{kSettingsXml, false, false}, false},  // no answer in time
   };
   for (const auto& c : cases) {

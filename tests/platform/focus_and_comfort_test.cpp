@@ -7,7 +7,6 @@
 #include <cmath>
 #include <optional>
 #include <tuple>
-#include <limits>
 #include <string>
 
 #include "engine/input_event.hpp"
@@ -143,21 +142,6 @@ TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
   EXPECT_EQ(game.view->testWindow.toggles, 1) << "Alt+Return stays the full-screen key";
   game.press(keycode::escape);  // no known leave key: Escape stays
   EXPECT_EQ(game->gameState, State::menu);
-}
-
-TEST(GameSpeed, TheStoredSpeedIsHeldWithinHalfAndFull) {
-  const struct {
-    float stored;
-    float used;
-  } cases[] = {{0.75f, 0.75f}, {0.2f, 0.5f}, {3.0f, 1.0f}, {std::numeric_limits<float>::quiet_NaN(), 1.0f}};
-  for (const auto& c : cases) {
-    test::SceneOptions options;
-    options.preferences->setFloat(c.stored, "zindlebop_gameSpeed");
-    test::AttachedScene game(options);
-    EXPECT_EQ(game->comfortOptions().gameSpeed, c.used) << c.stored;
-  }
-  test::AttachedScene unset;
-  EXPECT_EQ(unset->comfortOptions().gameSpeed, 1.0f);
 }
 
 TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
