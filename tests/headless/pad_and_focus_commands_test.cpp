@@ -11,7 +11,7 @@ namespace {
 TEST(HeadlessPadAndFocus, PadsPlayFocusPausesAndTheDumpReportsThem) {
   HeadlessRun run = runScript(
       "pad add\nlaunch\ndump\n"
-      "pad down a\npad up a\nstep 3\npad axis lefty 0.75\ndump\n"
+      "pad down a\npad down a\npad up a\nstep 3\npad axis lefty 0.75\ndump\n"  // a held button presses once
       "pad axis lefty 0\npad add\npad remove\ndump\n"  // the waiting pad goes; the run goes on
       "pad remove\ndump\n"                              // the playing pad goes: paused
       "pad down a\nfocus gained\ndump\n"                // no pad left; regaining focus resumes nothing
@@ -26,6 +26,7 @@ TEST(HeadlessPadAndFocus, PadsPlayFocusPausesAndTheDumpReportsThem) {
   EXPECT_EQ(dumps[0]["gameSpeed"].number, 1);
   EXPECT_EQ(state(1), "playing");
   EXPECT_TRUE(dumps[1]["isDucking"].boolean);
+  EXPECT_EQ(dumps[1]["playerFootAltitude"].number, 0) << "the second press of a held A jumped";
   EXPECT_EQ(state(2), "playing");
   EXPECT_EQ(dumps[2]["gamepads"].text, "1");
   EXPECT_EQ(state(3), "paused");
