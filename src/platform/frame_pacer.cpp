@@ -15,7 +15,8 @@ constexpr double kVsyncDriftLimitSteps = 0.5;
 double FramePacer::threshold() const { return lockedToVsync() ? kVsyncThresholdSteps : 1.0; }
 
 void FramePacer::setSpeed(double speed) {
-  speed_ = std::isnan(speed) ? kFullSpeed : std::clamp(speed, kSlowestSpeed, kFullSpeed);
+  // The game keeps the speed in its range; here only a speed that would stop or race the game is refused.
+  speed_ = speed > 0 && speed <= kFullSpeed ? speed : kFullSpeed;
 }
 
 int FramePacer::stepsDue(double now) {

@@ -22,8 +22,8 @@ class FramePacer {
   void setVsyncAt60Hz(bool on) { vsyncAt60Hz_ = on; }
   bool vsyncAt60Hz() const { return vsyncAt60Hz_; }
 
-  // A slower game (a comfort option): 60 x speed steps a second of real time, speed held within
-  // 0.5 to 1. Below full speed the frame clock no longer matches the steps, so the fixed timestep runs
+  // A slower game (a comfort option): 60 x speed steps a second of real time, for a speed above 0 and
+  // at most 1 (anything else runs at full speed). Below full speed the frame clock no longer matches the steps, so the fixed timestep runs
   // even on a 60 Hz display with vsync.
   void setSpeed(double speed);
   double speed() const { return speed_; }
@@ -38,7 +38,6 @@ class FramePacer {
   double threshold() const;
   bool lockedToVsync() const { return vsyncAt60Hz_ && speed_ == kFullSpeed; }
   static constexpr double kFullSpeed = 1.0;
-  static constexpr double kSlowestSpeed = 0.5;
 
   bool vsyncAt60Hz_;
   double speed_ = kFullSpeed;
