@@ -3,10 +3,18 @@
 # As root it installs them; otherwise it prints the one command that would, and stops.
 set -euo pipefail
 
-build_packages=(build-essential cmake ninja-build pkg-config libsdl2-dev libsdl2-mixer-dev
-  libcairo2-dev libpango1.0-dev libglib2.0-dev fonts-dejavu-core librsvg2-bin)
-test_packages=(libgtest-dev libgmock-dev libbenchmark-dev libebur128-dev xvfb xauth sox libsox-fmt-mp3 python3
-  clang libclang-rt-14-dev desktop-file-utils appstream lintian xdotool x11-utils man-db groff-base)
+build_packages=(
+  build-essential cmake ninja-build pkg-config
+  libsdl2-dev libsdl2-mixer-dev libcairo2-dev libpango1.0-dev libglib2.0-dev fonts-dejavu-core
+  librsvg2-bin  # draws the icons from their SVG at build time
+)
+test_packages=(
+  libgtest-dev libgmock-dev libbenchmark-dev python3 clang libclang-rt-14-dev
+  xvfb xauth xdotool x11-utils          # the real window under a virtual display
+  sox libsox-fmt-mp3 libebur128-dev     # measuring the sounds
+  dbus-daemon                           # a stand-in desktop portal on a private bus
+  desktop-file-utils appstream lintian man-db groff-base  # validating what an install puts in place
+)
 
 wanted=("${build_packages[@]}")
 if [[ "${1:-}" == "test" ]]; then

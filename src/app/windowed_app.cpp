@@ -8,7 +8,9 @@
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
 #include "engine/text_layout.hpp"
+#include "platform/desktop_motion.hpp"
 #include "platform/frame_loop.hpp"
+#include "platform/gamepads.hpp"
 #include "platform/mixer_sound.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
@@ -30,13 +32,14 @@ struct SdlVideo {
   }
 };
 
-std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size) {
+std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size, bool reducedMotion) {
   auto scene = std::make_shared<GameScene>(size);
   GameServices services;
   services.preferences = std::make_shared<FilePreferences>(
       options.prefsFile ? std::filesystem::path(*options.prefsFile) : FilePreferences::defaultLocation());
   services.bundle = ResourceBundle(defaultResourceFolder());
   services.fallbackFolder = defaultFallbackFolder();
+  services.desktopRequestsReducedMotion = reducedMotion;
   scene->setServices(std::move(services));
   scene->random().seed(options.seed ? *options.seed : freshSeed());
   return scene;
@@ -64,6 +67,10 @@ int runWindowedGame(const CommandLineOptions& options) {
   SDL_StopTextInput();  // keys only; no input-method popups over the game
   installFontAliases();
 
+  // Pads already connected are announced by SDL as arrivals once the loop starts reading events.
+  SdlGamepads gamepads;
+  const bool desktopWantsLessMotion = desktopRequestsReducedMotion();
+
   // Without an audio device the game plays silent.
   std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();
   SdlView view(window->sizeInPoints(), window.get(), sound.get());
@@ -72,9 +79,13 @@ int runWindowedGame(const CommandLineOptions& options) {
   view.ignoresSiblingOrder = true;
   view.showsFPS = true;
   view.showsNodeCount = true;
-  view.presentScene(makeGameScene(options, view.size()));
+  auto scene = makeGameScene(options, view.size(), desktopWantsLessMotion);
+  view.presentScene(scene);
 
-  FrameLoopOptions loopOptions{options.frameLimit, {}};
+  FrameLoopOptions loopOptions;
+  loopOptions.frameLimit = options.frameLimit;
+  loopOptions.gameSpeed = scene->comfortOptions().gameSpeed;
+  loopOptions.gamepads = &gamepads;
   if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
   runFrameLoop(view, *window, *canvas, loopOptions);
   view.dismissScene();  // the music stops while the sound output still exists

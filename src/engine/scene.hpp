@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/color.hpp"
+#include "engine/gamepad_event.hpp"
 #include "engine/input_event.hpp"
 #include "engine/node.hpp"
 #include "engine/random.hpp"
@@ -54,6 +55,13 @@ class Scene : public Node {
   virtual void keyDown(const KeyEvent& event);
   virtual void keyUp(const KeyEvent& event);
   virtual void mouseDown(const MouseEvent& event);
+  // From the playing gamepad only; a removal of that pad comes after the releases of what it held.
+  virtual void gamepadButtonDown(GamepadButton /*button*/) {}
+  virtual void gamepadButtonUp(GamepadButton /*button*/) {}
+  virtual void gamepadAxisMoved(GamepadAxis /*axis*/, double /*value*/) {}
+  virtual void gamepadDisconnected() {}
+  // The window lost the keyboard focus or was minimised.
+  virtual void windowDidLoseFocus() {}
 
  private:
   friend class View;

@@ -58,4 +58,29 @@ void View::mouseDown(Point locationInView) {
   if (scene_) scene_->mouseDown(MouseEvent{locationInView});
 }
 
+void View::gamepadRemoved(GamepadId id) {
+  const bool wasPlaying = gamepads_.playingPad() == id;
+  std::optional<GamepadRoster::Leftovers> leftovers = gamepads_.disconnect(id);
+  if (!leftovers || !wasPlaying || !scene_) return;
+  for (GamepadButton button : leftovers->buttons) scene_->gamepadButtonUp(button);
+  for (GamepadAxis axis : leftovers->axes) scene_->gamepadAxisMoved(axis, 0);
+  scene_->gamepadDisconnected();
+}
+
+void View::gamepadButtonDown(GamepadId id, GamepadButton button) {
+  if (gamepads_.press(id, button) && scene_) scene_->gamepadButtonDown(button);
+}
+
+void View::gamepadButtonUp(GamepadId id, GamepadButton button) {
+  if (gamepads_.release(id, button) && scene_) scene_->gamepadButtonUp(button);
+}
+
+void View::gamepadAxisMoved(GamepadId id, GamepadAxis axis, double value) {
+  if (gamepads_.moveAxis(id, axis, value) && scene_) scene_->gamepadAxisMoved(axis, value);
+}
+
+void View::windowLostFocus() {
+  if (scene_) scene_->windowDidLoseFocus();
+}
+
 }  // namespace zb

@@ -3,6 +3,7 @@
 // derives the real window and the headless virtual view from these.
 #include <memory>
 
+#include "engine/gamepad_roster.hpp"
 #include "engine/geometry.hpp"
 #include "engine/input_event.hpp"
 #include "engine/notification_center.hpp"
@@ -51,6 +52,18 @@ class View {
   // Unhides a cursor that was hidden until the mouse moves.
   virtual void mouseMoved() {}
 
+  // Gamepads: only the playing pad reaches the scene, and only with news (see GamepadRoster). When
+  // the playing pad goes, the scene first hears it let go of everything it held.
+  void gamepadAdded(GamepadId id) { gamepads_.connect(id); }
+  void gamepadRemoved(GamepadId id);
+  void gamepadButtonDown(GamepadId id, GamepadButton button);
+  void gamepadButtonUp(GamepadId id, GamepadButton button);
+  void gamepadAxisMoved(GamepadId id, GamepadAxis axis, double value);
+  const GamepadRoster& gamepads() const { return gamepads_; }
+
+  // The window lost the keyboard focus or was minimised. Regaining it is no news to the scene.
+  void windowLostFocus();
+
   virtual Window* window() { return nullptr; }
   virtual void hideCursorUntilMouseMoves() {}
   virtual void unhideCursor() {}
@@ -64,6 +77,7 @@ class View {
   std::shared_ptr<Scene> scene_;
   NotificationCenter notifications_;
   SilentSoundOutput silent_;
+  GamepadRoster gamepads_;
 };
 
 }  // namespace zb

@@ -369,6 +369,13 @@ void writePreferences(JsonWriter& json, Preferences& preferences) {
 
 }  // namespace
 
+// Gamepads and the options of the preferences file that the game is using now.
+static void writeComfortState(JsonWriter& json, const DumpInput& input) {
+  json.field("gamepads", input.view.gamepads().count());
+  json.field("reducedMotion", input.scene.comfortOptions().reducedMotion);
+  json.field("gameSpeed", input.scene.comfortOptions().gameSpeed);
+}
+
 void writeDump(std::ostream& out, const DumpInput& input) {
   const GameScene& scene = input.scene;
   JsonWriter json(out);
@@ -388,6 +395,7 @@ void writeDump(std::ostream& out, const DumpInput& input) {
   writeDecorations(json, scene);
   json.field("nodeCount", scene.nodeCount());
   writePreferences(json, input.preferences);
+  writeComfortState(json, input);
   json.endObject();
   out << '\n';
 }

@@ -167,4 +167,36 @@ std::optional<std::string> HeadlessSession::execute(const ScreenshotCommand& com
   return screenshot(command.file);
 }
 
+// `pad remove` unplugs the pad connected last, so a script can take away a waiting pad or, with one
+// pad, the playing one. Button and axis commands come from the playing pad. Without a pad they do
+// nothing, as nothing would happen at a real machine.
+std::optional<std::string> HeadlessSession::execute(const PadCommand& command) {
+  if (command.kind == PadCommand::Kind::add) {
+    view_.gamepadAdded(nextPadId_++);
+    return std::nullopt;
+  }
+  ensureLaunched();
+  const GamepadRoster& pads = view_.gamepads();
+  if (command.kind == PadCommand::Kind::remove) {
+    if (auto newest = pads.newestPad()) view_.gamepadRemoved(*newest);
+    return std::nullopt;
+  }
+  const std::optional<GamepadId> playing = pads.playingPad();
+  if (!playing) return std::nullopt;
+  switch (command.kind) {
+    case PadCommand::Kind::down: view_.gamepadButtonDown(*playing, command.button); break;
+    case PadCommand::Kind::up: view_.gamepadButtonUp(*playing, command.button); break;
+    case PadCommand::Kind::axis: view_.gamepadAxisMoved(*playing, command.axis, command.value); break;
+    default: break;
+  }
+  return std::nullopt;
+}
+
+// Regaining the focus is no news to the game; the command exists so that scripts read like a session.
+std::optional<std::string> HeadlessSession::execute(const FocusCommand& command) {
+  ensureLaunched();
+  if (command.lost) view_.windowLostFocus();
+  return std::nullopt;
+}
+
 }  // namespace zb

@@ -51,6 +51,8 @@ class HeadlessSession {
   std::optional<std::string> execute(const PrefRemoveCommand&);
   std::optional<std::string> execute(const DumpCommand&);
   std::optional<std::string> execute(const ScreenshotCommand&);
+  std::optional<std::string> execute(const PadCommand&);
+  std::optional<std::string> execute(const FocusCommand&);
 
   std::ostream& out_;
   uint64_t seed_;
@@ -60,6 +62,7 @@ class HeadlessSession {
   std::shared_ptr<GameScene> scene_;
   Autoplayer autoplayer_;  // the player of `autoplay`, new with every scene
   uint64_t frame_ = 0;
+  GamepadId nextPadId_ = 0;  // pads of `pad add`, numbered as they arrive
 };
 
 }  // namespace zb

@@ -198,6 +198,54 @@ ScriptCommand parseScreenshot(Words& words) {
   return screenshot;
 }
 
+// Pad buttons and axes by the names SDL's controller layer gives them, in the engine's order.
+constexpr std::string_view kPadButtonNames[kGamepadButtonCount] = {
+    "a", "b", "x", "y", "back", "guide", "start", "leftstick", "rightstick", "leftshoulder", "rightshoulder",
+    "dpup", "dpdown", "dpleft", "dpright",
+};
+constexpr std::string_view kPadAxisNames[kGamepadAxisCount] = {"leftx", "lefty", "rightx", "righty",
+                                                               "lefttrigger", "righttrigger"};
+
+template <typename Enum, size_t N>
+Enum namedEnum(Words& words, const std::string_view (&names)[N], std::string_view what) {
+  std::string_view word = words.require(what);
+  for (size_t i = 0; i < N; ++i) {
+    if (names[i] == word) return static_cast<Enum>(i);
+  }
+  throw BadLine{"pad: unknown " + std::string(what) + " " + quoted(word)};
+}
+
+ScriptCommand parsePad(Words& words) {
+  std::string_view action = words.require("'add', 'remove', 'down', 'up' or 'axis'");
+  PadCommand pad;
+  if (action == "add") {
+    pad.kind = PadCommand::Kind::add;
+  } else if (action == "remove") {
+    pad.kind = PadCommand::Kind::remove;
+  } else if (action == "down" || action == "up") {
+    pad.kind = action == "down" ? PadCommand::Kind::down : PadCommand::Kind::up;
+    pad.button = namedEnum<GamepadButton>(words, kPadButtonNames, "button");
+  } else if (action == "axis") {
+    pad.kind = PadCommand::Kind::axis;
+    pad.axis = namedEnum<GamepadAxis>(words, kPadAxisNames, "axis");
+    std::string_view word = words.require("value");
+    auto value = parseFiniteDouble(word);
+    if (!value || *value < -1 || *value > 1) throw BadLine{"pad: value must be a number from -1 to 1, not " + quoted(word)};
+    pad.value = *value + 0.0;
+  } else {
+    throw BadLine{"pad: expected 'add', 'remove', 'down', 'up' or 'axis', not " + quoted(action)};
+  }
+  words.finish();
+  return pad;
+}
+
+ScriptCommand parseFocus(Words& words) {
+  std::string_view state = words.require("'lost' or 'gained'");
+  if (state != "lost" && state != "gained") throw BadLine{"focus: expected 'lost' or 'gained', not " + quoted(state)};
+  words.finish();
+  return FocusCommand{state == "lost"};
+}
+
 template <typename Command>
 ScriptCommand parseBare(Words& words) {
   words.finish();
@@ -218,6 +266,8 @@ ScriptCommand parseCommand(Words& words) {
   if (name == "pref") return parsePref(words);
   if (name == "dump") return parseBare<DumpCommand>(words);
   if (name == "screenshot") return parseScreenshot(words);
+  if (name == "pad") return parsePad(words);
+  if (name == "focus") return parseFocus(words);
   throw BadLine{"unknown command " + quoted(name)};
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <variant>
 
+#include "engine/gamepad_event.hpp"
 #include "engine/geometry.hpp"
 #include "engine/preferences.hpp"
 
@@ -41,6 +42,15 @@ struct PrefSetCommand {
 struct PrefRemoveCommand {
   std::string key;
 };
+struct PadCommand {
+  enum class Kind : uint8_t { add, remove, down, up, axis } kind = Kind::add;
+  GamepadButton button = GamepadButton::a;
+  GamepadAxis axis = GamepadAxis::leftX;
+  double value = 0;
+};
+struct FocusCommand {
+  bool lost = true;
+};
 struct DumpCommand {};
 struct ScreenshotCommand {
   std::string file;
@@ -48,7 +58,7 @@ struct ScreenshotCommand {
 
 using ScriptCommand = std::variant<LaunchCommand, RelaunchCommand, StepCommand, AutoplayCommand, KeyCommand,
                                    ClickCommand, MoveCommand, ResizeCommand, FullscreenCommand, PrefSetCommand,
-                                   PrefRemoveCommand, DumpCommand, ScreenshotCommand>;
+                                   PrefRemoveCommand, DumpCommand, ScreenshotCommand, PadCommand, FocusCommand>;
 
 struct ParsedLine {
   std::optional<ScriptCommand> command;  // nothing for a blank or comment line

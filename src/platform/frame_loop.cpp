@@ -27,10 +27,11 @@ bool movedToAnotherDisplay(const SDL_Event& event) {
 }
 
 // Handles every waiting event; false when the game should quit.
-bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer) {
+bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads) {
   SDL_Event event;
   while (SDL_PollEvent(&event) != 0) {
-    if (dispatchEvent(event, view) == EventOutcome::quit) return false;
+    const EventOutcome outcome = gamepads ? dispatchEvent(event, view, *gamepads) : dispatchEvent(event, view);
+    if (outcome == EventOutcome::quit) return false;
     if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
   }
   return true;
@@ -53,11 +54,12 @@ void drawFrame(View& view, WindowCanvas& canvas, Renderer& renderer, double fram
 
 void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
   FramePacer pacer(canvas.syncToDisplay());
+  pacer.setSpeed(options.gameSpeed);
   FrameRateMeter meter;
   Renderer renderer;
   int64_t frames = 0;
   bool presented = false;
-  while (drainEvents(view, canvas, pacer)) {
+  while (drainEvents(view, canvas, pacer, options.gamepads)) {
     window.postFullScreenChanges(view.notificationCenter());
     const double now = secondsNow();
     const int steps = pacer.stepsDue(now);

@@ -12,7 +12,12 @@ constexpr double kVsyncThresholdSteps = 0.5;
 constexpr double kVsyncDriftLimitSteps = 0.5;
 }  // namespace
 
-double FramePacer::threshold() const { return vsyncAt60Hz_ ? kVsyncThresholdSteps : 1.0; }
+double FramePacer::threshold() const { return lockedToVsync() ? kVsyncThresholdSteps : 1.0; }
+
+void FramePacer::setSpeed(double speed) {
+  // The game keeps the speed in its range; here only a speed that would stop or race the game is refused.
+  speed_ = speed > 0 && speed <= kFullSpeed ? speed : kFullSpeed;
+}
 
 int FramePacer::stepsDue(double now) {
   if (!started_) {
@@ -24,15 +29,15 @@ int FramePacer::stepsDue(double now) {
   const double elapsed = now - lastTime_;
   lastTime_ = now;
   // A clock that jumps backwards or stops counts as no time; a NaN as well.
-  if (elapsed > 0) pendingSteps_ += elapsed / kStepSeconds;
+  if (elapsed > 0) pendingSteps_ += elapsed * speed_ / kStepSeconds;
 
-  const int maxSteps = vsyncAt60Hz_ ? 1 : kMaxCatchUpSteps;
+  const int maxSteps = lockedToVsync() ? 1 : kMaxCatchUpSteps;
   int steps = 0;
   while (steps < maxSteps && pendingSteps_ >= threshold()) {
     pendingSteps_ -= 1.0;
     ++steps;
   }
-  if (vsyncAt60Hz_) {
+  if (lockedToVsync()) {
     pendingSteps_ = std::clamp(pendingSteps_, -kVsyncDriftLimitSteps, kVsyncDriftLimitSteps);
   } else if (pendingSteps_ >= 1.0) {
     pendingSteps_ = std::fmod(pendingSteps_, 1.0);  // a backlog beyond the catch-up is dropped
@@ -42,9 +47,9 @@ int FramePacer::stepsDue(double now) {
 
 double FramePacer::secondsUntilNextStep(double now) const {
   if (!started_) return 0;
-  const double elapsedSteps = std::max(0.0, now - lastTime_) / kStepSeconds;
+  const double elapsedSteps = std::max(0.0, now - lastTime_) * speed_ / kStepSeconds;
   const double missing = threshold() - (pendingSteps_ + elapsedSteps);
-  return missing > 0 ? missing * kStepSeconds : 0;
+  return missing > 0 ? missing * kStepSeconds / speed_ : 0;
 }
 
 }  // namespace zb

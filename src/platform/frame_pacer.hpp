@@ -22,6 +22,12 @@ class FramePacer {
   void setVsyncAt60Hz(bool on) { vsyncAt60Hz_ = on; }
   bool vsyncAt60Hz() const { return vsyncAt60Hz_; }
 
+  // A slower game (a comfort option): 60 x speed steps a second of real time, for a speed above 0 and
+  // at most 1 (anything else runs at full speed). Below full speed the frame clock no longer matches the steps, so the fixed timestep runs
+  // even on a 60 Hz display with vsync.
+  void setSpeed(double speed);
+  double speed() const { return speed_; }
+
   // Steps to run now, given the monotonic time in seconds; the first call starts the clock and runs one.
   int stepsDue(double now);
   // How long the loop may wait before a step is due; 0 when one is due already.
@@ -30,8 +36,11 @@ class FramePacer {
  private:
   // The accumulated time, in steps, at which the next step runs.
   double threshold() const;
+  bool lockedToVsync() const { return vsyncAt60Hz_ && speed_ == kFullSpeed; }
+  static constexpr double kFullSpeed = 1.0;
 
   bool vsyncAt60Hz_;
+  double speed_ = kFullSpeed;
   bool started_ = false;
   double lastTime_ = 0;
   double pendingSteps_ = 0;  // real time not yet simulated, in steps

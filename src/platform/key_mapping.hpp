@@ -7,6 +7,8 @@
 #include <optional>
 #include <string_view>
 
+#include "engine/key_names.hpp"
+
 namespace zb {
 
 // Keys without a virtual code of their own land here, above every code the game reacts to.
@@ -18,8 +20,6 @@ uint16_t keyCodeForScancode(SDL_Scancode scancode);
 // The modifier flags of a key event: Alt becomes the Option bit.
 uint64_t modifierFlagsFor(uint16_t sdlKeymod);
 
-// The virtual code for a key name: "space", "p", "return", "enter" (keypad), "escape", "down", "up",
-// "left", "right", a letter "a"-"z" or a digit "0"-"9". Nothing for any other name.
-std::optional<uint16_t> keyCodeForName(std::string_view name);
+// keyCodeForName, for the names scripts use, comes with engine/key_names.hpp.
 
 }  // namespace zb

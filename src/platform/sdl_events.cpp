@@ -1,5 +1,6 @@
 #include "platform/sdl_events.hpp"
 
+#include "platform/gamepads.hpp"
 #include "platform/key_mapping.hpp"
 
 namespace zb {
@@ -14,6 +15,11 @@ EventOutcome dispatchWindowEvent(const SDL_WindowEvent& event, View& view) {
       break;
     case SDL_WINDOWEVENT_CLOSE:
       return EventOutcome::quit;
+    // Switching to another window or minimising: the player has looked away.
+    case SDL_WINDOWEVENT_FOCUS_LOST:
+    case SDL_WINDOWEVENT_MINIMIZED:
+      view.windowLostFocus();
+      break;
     default:
       break;
   }
@@ -52,6 +58,11 @@ EventOutcome dispatchEvent(const SDL_Event& event, View& view) {
       break;
   }
   return EventOutcome::handled;
+}
+
+EventOutcome dispatchEvent(const SDL_Event& event, View& view, SdlGamepads& gamepads) {
+  if (gamepads.handle(event, view)) return EventOutcome::handled;
+  return dispatchEvent(event, view);
 }
 
 }  // namespace zb

@@ -7,9 +7,13 @@
 
 namespace zb {
 
+class SdlGamepads;
+
 enum class EventOutcome { handled, quit };
 
 EventOutcome dispatchEvent(const SDL_Event& event, View& view);
+// The same, with gamepad events going to `gamepads` first.
+EventOutcome dispatchEvent(const SDL_Event& event, View& view, SdlGamepads& gamepads);
 
 // What the view sees of a key event.
 KeyEvent keyEventFor(const SDL_KeyboardEvent& key);

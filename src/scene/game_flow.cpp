@@ -76,11 +76,14 @@ void GameScene::endRun() {
   playSFX("explosion", fallbackPath("explosion.mp3"));
   playRandomBabyLaugh();
   spawnExplosionEffect();
-  uiLayer->runAction(actions::sequence({
-      actions::moveBy(kShakeDistance, 0, kShakeStepSeconds),
-      actions::moveBy(-2 * kShakeDistance, 0, 2 * kShakeStepSeconds),
-      actions::moveBy(kShakeDistance, 0, kShakeStepSeconds),
-  }));
+  // Players who asked for less motion keep a still interface; the explosion itself stays.
+  if (!comfortOptions().reducedMotion) {
+    uiLayer->runAction(actions::sequence({
+        actions::moveBy(kShakeDistance, 0, kShakeStepSeconds),
+        actions::moveBy(-2 * kShakeDistance, 0, 2 * kShakeStepSeconds),
+        actions::moveBy(kShakeDistance, 0, kShakeStepSeconds),
+    }));
+  }
   updateScoreLabels();
   showGameOver();
 }

@@ -17,6 +17,7 @@
 #include "engine/resources.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
+#include "settings/comfort_options.hpp"
 
 namespace zb {
 
@@ -43,6 +44,8 @@ struct GameServices {
   ResourceBundle bundle;
   // The fixed fallback folder (with a "Babylaughs" subfolder for the laughs); empty means none.
   std::filesystem::path fallbackFolder;
+  // The desktop asked for less motion; only consulted when the store has no word on it.
+  bool desktopRequestsReducedMotion = false;
 };
 
 class GameScene : public Scene {
@@ -166,6 +169,11 @@ class GameScene : public Scene {
   void keyDown(const KeyEvent& event) override;
   void keyUp(const KeyEvent& event) override;
   void mouseDown(const MouseEvent& event) override;
+  void gamepadButtonDown(GamepadButton button) override;
+  void gamepadButtonUp(GamepadButton button) override;
+  void gamepadAxisMoved(GamepadAxis axis, double value) override;
+  void gamepadDisconnected() override;
+  void windowDidLoseFocus() override;
 
   // ---- Game flow (scene/) ------------------------------------------------------------------------
   void setupScene();
@@ -185,6 +193,9 @@ class GameScene : public Scene {
   void volumeDown();
   void volumeUp();
   void toggleShowFPS();
+  // What Space, Down, P and Escape do, whichever key or gamepad button asked for it.
+  void pressAction(InputAction action);
+  void releaseAction(InputAction action);
 
   // ---- Player (gameplay/) ------------------------------------------------------------------------
   void updatePlayer();
@@ -224,6 +235,8 @@ class GameScene : public Scene {
   int64_t storedHighScore();
   void loadSettings();
   void saveSettings();
+  void loadComfortOptions();
+  const ComfortOptions& comfortOptions() const { return comfort_; }
 
   // ---- Interface (ui/) ---------------------------------------------------------------------------
   void setupUI();
@@ -258,6 +271,8 @@ class GameScene : public Scene {
   void raiseDifficulty();                                // gameplay/scoring.cpp
 
   GameServices services_;
+  ComfortOptions comfort_;
+  bool stickHoldsDuck_ = false;  // the left stick is pushed down far enough to duck
 };
 
 // Case names as the game's texts and dumps use them ("boxSmall", "menu", ...).

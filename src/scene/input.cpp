@@ -1,6 +1,7 @@
-// Keyboard and mouse routing. Input moves nothing itself: it calls the transitions, sets the two
-// fields the physics reads (isDucking, the jump buffer) or changes a setting. Automatic key repeats
-// are ordinary presses on purpose.
+// Keyboard and mouse routing. A key is looked up in the player's key map and does what its action
+// does, so a remapped key or a gamepad button behaves exactly like the default key. Input moves
+// nothing itself: it calls the transitions, sets the two fields the physics reads (isDucking, the
+// jump buffer) or changes a setting. Automatic key repeats are ordinary presses on purpose.
 #include <algorithm>
 #include <string_view>
 
@@ -57,8 +58,22 @@ void GameScene::requestJump() {
 }
 
 void GameScene::keyDown(const KeyEvent& event) {
-  switch (event.keyCode) {
-    case keycode::space:
+  const bool alt = (event.modifierFlags & kOptionModifierFlag) != 0;
+  // Alt+Return is the full-screen key whatever the player remapped.
+  if (alt && (event.keyCode == keycode::returnKey || event.keyCode == keycode::keypadEnter)) {
+    toggleFullScreen();
+    return;
+  }
+  if (auto action = comfortOptions().actionForKey(event.keyCode)) pressAction(*action);
+}
+
+void GameScene::keyUp(const KeyEvent& event) {
+  if (auto action = comfortOptions().actionForKey(event.keyCode)) releaseAction(*action);
+}
+
+void GameScene::pressAction(InputAction action) {
+  switch (action) {
+    case InputAction::jump:
       switch (gameState) {
         case GameState::menu:
         case GameState::gameOver: startGame(); playJumpSound(); break;
@@ -67,27 +82,22 @@ void GameScene::keyDown(const KeyEvent& event) {
         case GameState::paused: resumeGame(); playJumpSound(); break;
       }
       break;
-    case keycode::p:
+    case InputAction::pause:
       if (gameState == GameState::playing) {
         pauseGame();
       } else if (gameState == GameState::paused) {
         resumeGame();
       }
       break;
-    case keycode::escape:
+    case InputAction::leave:
       if (gameState == GameState::playing || gameState == GameState::settings) showMenu();
       break;
-    case keycode::returnKey:
-    case keycode::keypadEnter:
-      if ((event.modifierFlags & kOptionModifierFlag) != 0) toggleFullScreen();
-      break;
-    case keycode::downArrow: isDucking = true; break;
-    default: break;
+    case InputAction::duck: isDucking = true; break;
   }
 }
 
-void GameScene::keyUp(const KeyEvent& event) {
-  if (event.keyCode == keycode::downArrow) isDucking = false;
+void GameScene::releaseAction(InputAction action) {
+  if (action == InputAction::duck) isDucking = false;
 }
 
 void GameScene::mouseDown(const MouseEvent& event) {

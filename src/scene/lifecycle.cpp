@@ -16,6 +16,7 @@ void GameScene::didMoveToView(View& view) {
   highScore = storedHighScore();
   updateScoreLabels();
   loadSettings();
+  loadComfortOptions();
 
   currentPaletteIndex = 0;
   applyPalette(currentPaletteIndex);

@@ -10,4 +10,13 @@ inline constexpr std::string_view kShowFPSKey = "quorra_settingShowFPS";
 inline constexpr std::string_view kMusicEnabledKey = "quorra_settingMusicEnabled";
 inline constexpr std::string_view kMusicVolumeKey = "quorra_settingMusicVolume";
 
+// Options with no page of their own: players set them in the preferences file.
+inline constexpr std::string_view kPauseOnFocusLossKey = "zindlebop_pauseOnFocusLoss";
+inline constexpr std::string_view kReducedMotionKey = "zindlebop_reducedMotion";
+inline constexpr std::string_view kGameSpeedKey = "zindlebop_gameSpeed";
+inline constexpr std::string_view kJumpKeysKey = "zindlebop_keys_jump";
+inline constexpr std::string_view kDuckKeysKey = "zindlebop_keys_duck";
+inline constexpr std::string_view kPauseKeysKey = "zindlebop_keys_pause";
+inline constexpr std::string_view kLeaveKeysKey = "zindlebop_keys_leave";
+
 }  // namespace zb

@@ -25,7 +25,7 @@ TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
                   "backgroundColor", "currentPrimaryColor", "currentSecondaryColor", "layoutScale", "settingShowFPS",
                   "settingMusicEnabled", "settingMusicVolume", "view", "music", "sounds", "labels", "nodes",
                   "buildings", "clouds", "starCount", "groundLine", "birds", "explosionDots", "nodeCount",
-                  "preferences"}));
+                  "preferences", "gamepads", "reducedMotion", "gameSpeed"}));
   const Json& json = *dump;
   EXPECT_EQ(json["frame"].text, "10");
   // The clock is the sum of ten 1/60 s frames, printed with 17 digits so that it reads back exactly.

@@ -1,0 +1,39 @@
+#pragma once
+// Options that live only in the preferences file: pausing when the window loses focus, reduced motion,
+// a slower game and remapped keys. Read once when the scene attaches; bad values fall back quietly to
+// the defaults, except unknown key names, which the scene reports.
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/preferences.hpp"
+
+namespace zb {
+
+// What a key or a gamepad button asks of the game.
+enum class InputAction : uint8_t { jump, duck, pause, leave };
+
+inline constexpr float kMinGameSpeed = 0.5f;
+inline constexpr float kMaxGameSpeed = 1.0f;
+
+// Space jumps, Down ducks, P pauses and Escape leaves.
+std::map<uint16_t, InputAction> defaultKeyActions();
+
+struct ComfortOptions {
+  bool pauseOnFocusLoss = true;
+  bool reducedMotion = false;
+  float gameSpeed = kMaxGameSpeed;
+  // Virtual key code to action; Space, Down, P and Escape unless the store says otherwise.
+  std::map<uint16_t, InputAction> keyActions = defaultKeyActions();
+  // Names in the stored key lists that name no key, as written.
+  std::vector<std::string> unknownKeyNames;
+
+  std::optional<InputAction> actionForKey(uint16_t keyCode) const;
+};
+
+// `desktopRequestsReducedMotion` decides reduced motion when the store has no word on it.
+ComfortOptions readComfortOptions(Preferences& store, bool desktopRequestsReducedMotion);
+
+}  // namespace zb

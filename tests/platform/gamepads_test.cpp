@@ -1,0 +1,199 @@
+// Gamepads through SDL's own virtual joysticks, the real controller layer and the window's event code,
+// into the real game: what a player holding a pad would see happen.
+#include "platform/gamepads.hpp"
+
+#include <SDL.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <optional>
+
+#include "platform/sdl_events.hpp"
+#include "scene/scene_fixture.hpp"
+
+namespace zb {
+namespace {
+
+using State = GameScene::GameState;
+
+class VirtualPads : public testing::Test {
+ protected:
+  void SetUp() override {
+    setenv("SDL_JOYSTICK_ALLOW_BACKGROUND_EVENTS", "1", 1);  // there is no window to have focus
+    ASSERT_EQ(SDL_Init(SDL_INIT_JOYSTICK | SDL_INIT_EVENTS), 0) << SDL_GetError();
+  }
+  void TearDown() override {
+    for (SDL_Joystick* joystick : held_) SDL_JoystickClose(joystick);
+    pads.reset();
+    SDL_Quit();
+  }
+
+  // A pad with the full common layout; SDL gives virtual pads a matching controller mapping.
+  SDL_Joystick* attach() {
+    SDL_VirtualJoystickDesc desc{};
+    desc.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
+    desc.type = SDL_JOYSTICK_TYPE_GAMECONTROLLER;
+    desc.naxes = SDL_CONTROLLER_AXIS_MAX;
+    desc.nbuttons = kGamepadButtonCount;
+    desc.name = "Test Pad";
+    // An identity of its own, so that a layout file can name this model.
+    desc.vendor_id = 0x1234;
+    desc.product_id = 0x5678;
+    const int index = SDL_JoystickAttachVirtualEx(&desc);
+    EXPECT_GE(index, 0) << SDL_GetError();
+    SDL_Joystick* joystick = SDL_JoystickOpen(index);
+    held_.push_back(joystick);
+    return joystick;
+  }
+  void detach(SDL_Joystick* joystick) {
+    const SDL_JoystickID id = SDL_JoystickInstanceID(joystick);
+    for (int i = 0; i < SDL_NumJoysticks(); ++i) {
+      if (SDL_JoystickGetDeviceInstanceID(i) == id) SDL_JoystickDetachVirtual(i);
+    }
+  }
+  void pump() {
+    SDL_Event event;
+    while (SDL_PollEvent(&event) != 0) dispatchEvent(event, *game.view, *pads);
+  }
+  void button(SDL_Joystick* joystick, SDL_GameControllerButton which, bool down) {
+    SDL_JoystickSetVirtualButton(joystick, which, down ? 1 : 0);
+    pump();
+  }
+  void tap(SDL_Joystick* joystick, SDL_GameControllerButton which) {
+    button(joystick, which, true);
+    button(joystick, which, false);
+  }
+  void stick(SDL_Joystick* joystick, double y) {
+    SDL_JoystickSetVirtualAxis(joystick, SDL_CONTROLLER_AXIS_LEFTY, static_cast<Sint16>(y * 32767));
+    pump();
+  }
+  void startPads() {
+    pads.emplace();
+    pump();
+  }
+  size_t connected() const { return game.view->gamepads().count(); }
+
+  test::AttachedScene game;
+  std::optional<SdlGamepads> pads;
+  std::vector<SDL_Joystick*> held_;
+};
+
+TEST_F(VirtualPads, PadsAtStartAndLaterOnesCountTheFirstPlaysAndLosingItMidRunPauses) {
+  SDL_Joystick* first = attach();  // plugged in before the game starts
+  startPads();
+  EXPECT_EQ(connected(), 1u);
+  SDL_Joystick* second = attach();
+  pump();
+  EXPECT_EQ(connected(), 2u);
+
+  tap(second, SDL_CONTROLLER_BUTTON_A);
+  EXPECT_EQ(game->gameState, State::menu) << "only the first pad plays";
+  tap(first, SDL_CONTROLLER_BUTTON_A);
+  EXPECT_EQ(game->gameState, State::playing);
+
+  button(first, SDL_CONTROLLER_BUTTON_B, true);  // ducking when the cable goes
+  detach(first);
+  pump();
+  EXPECT_EQ(connected(), 1u);
+  EXPECT_EQ(game->gameState, State::paused);
+  EXPECT_FALSE(game->isDucking) << "a pad that is gone holds nothing";
+  game.sounds();
+  tap(second, SDL_CONTROLLER_BUTTON_A);  // the remaining pad takes over
+  EXPECT_EQ(game->gameState, State::playing);
+
+  detach(second);
+  pump();
+  EXPECT_EQ(connected(), 0u);
+  EXPECT_EQ(game->gameState, State::paused);
+}
+
+TEST_F(VirtualPads, EveryMappedButtonDoesWhatItsKeyDoesAndTheRestNothing) {
+  SDL_Joystick* pad = attach();
+  startPads();
+  tap(pad, SDL_CONTROLLER_BUTTON_A);
+  EXPECT_EQ(game->gameState, State::playing);
+  EXPECT_EQ(game.sounds(), std::vector<std::string>{"jump"});
+
+  tap(pad, SDL_CONTROLLER_BUTTON_START);
+  EXPECT_EQ(game->gameState, State::paused);
+  EXPECT_TRUE(game.sounds().empty());
+  tap(pad, SDL_CONTROLLER_BUTTON_START);
+  EXPECT_EQ(game->gameState, State::playing);
+
+  for (SDL_GameControllerButton duck : {SDL_CONTROLLER_BUTTON_B, SDL_CONTROLLER_BUTTON_DPAD_DOWN}) {
+    button(pad, duck, true);
+    EXPECT_TRUE(game->isDucking) << duck;
+    button(pad, duck, false);
+    EXPECT_FALSE(game->isDucking) << duck;
+  }
+
+  for (SDL_GameControllerButton idle :
+       {SDL_CONTROLLER_BUTTON_X, SDL_CONTROLLER_BUTTON_Y, SDL_CONTROLLER_BUTTON_GUIDE, SDL_CONTROLLER_BUTTON_LEFTSTICK,
+        SDL_CONTROLLER_BUTTON_RIGHTSTICK, SDL_CONTROLLER_BUTTON_LEFTSHOULDER, SDL_CONTROLLER_BUTTON_RIGHTSHOULDER,
+        SDL_CONTROLLER_BUTTON_DPAD_UP, SDL_CONTROLLER_BUTTON_DPAD_LEFT, SDL_CONTROLLER_BUTTON_DPAD_RIGHT}) {
+    tap(pad, idle);
+    EXPECT_EQ(game->gameState, State::playing) << idle;
+    EXPECT_FALSE(game->isDucking) << idle;
+    EXPECT_EQ(game->bufferedJumpFramesRemaining, 0) << idle;
+  }
+  EXPECT_TRUE(game.sounds().empty());
+
+  // A held A jumps once: pads have no key repeat.
+  button(pad, SDL_CONTROLLER_BUTTON_A, true);
+  game.step(20);
+  pump();
+  EXPECT_EQ(game.sounds(), std::vector<std::string>{"jump"});
+  button(pad, SDL_CONTROLLER_BUTTON_A, false);
+
+  tap(pad, SDL_CONTROLLER_BUTTON_BACK);
+  EXPECT_EQ(game->gameState, State::menu);
+}
+
+TEST_F(VirtualPads, TheLeftStickDucksOnlyPastHalfWayDown) {
+  SDL_Joystick* pad = attach();
+  startPads();
+  tap(pad, SDL_CONTROLLER_BUTTON_A);
+  const struct {
+    double y;
+    bool ducking;
+  } moves[] = {{0.45, false}, {-0.9, false}, {0.55, true}, {1.0, true}, {0.6, true}, {0.4, false}, {0.8, true}, {0, false}};
+  for (const auto& move : moves) {
+    stick(pad, move.y);
+    EXPECT_EQ(game->isDucking, move.ducking) << move.y;
+  }
+  // The right stick and the left stick's sideways travel never duck.
+  SDL_JoystickSetVirtualAxis(pad, SDL_CONTROLLER_AXIS_RIGHTY, 32767);
+  SDL_JoystickSetVirtualAxis(pad, SDL_CONTROLLER_AXIS_LEFTX, 32767);
+  pump();
+  EXPECT_FALSE(game->isDucking);
+}
+
+TEST_F(VirtualPads, ExtraLayoutsComeFromTheFileSdlIsToldAbout) {
+  char guid[64] = {};
+  SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(attach()), guid, sizeof guid);
+  // SDL reads the file when its joystick layer starts, as it does at the game's start.
+  for (SDL_Joystick* joystick : held_) SDL_JoystickClose(joystick);
+  held_.clear();
+  SDL_Quit();
+  // A pad whose bottom face button reports as the second button.
+  const std::string file = testing::TempDir() + "zindlebop-pads.txt";
+  std::ofstream(file) << guid << ",Odd Pad,a:b1,b:b0,platform:Linux,\n";
+  setenv("SDL_GAMECONTROLLERCONFIG_FILE", file.c_str(), 1);
+  ASSERT_EQ(SDL_Init(SDL_INIT_JOYSTICK | SDL_INIT_EVENTS), 0) << SDL_GetError();
+  SDL_Joystick* pad = attach();
+  startPads();
+  unsetenv("SDL_GAMECONTROLLERCONFIG_FILE");
+  std::remove(file.c_str());
+
+  button(pad, SDL_CONTROLLER_BUTTON_A, true);  // the first button: B in this layout
+  EXPECT_EQ(game->gameState, State::menu);
+  EXPECT_TRUE(game->isDucking);
+  tap(pad, SDL_CONTROLLER_BUTTON_B);
+  EXPECT_EQ(game->gameState, State::playing);
+}
+
+}  // namespace
+}  // namespace zb
