@@ -7,7 +7,7 @@
 
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 #include "platform/frame_loop.hpp"
 #include "platform/mixer_sound.hpp"
 #include "platform/preferences_file.hpp"
@@ -62,7 +62,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   std::unique_ptr<WindowCanvas> canvas = WindowCanvas::create(window->handle(), error);
   if (!canvas) return failWith("cannot draw into the window", error);
   SDL_StopTextInput();  // keys only; no input-method popups over the game
-  installFontAliases();
+  installPangoText();
 
   // Without an audio device the game plays silent.
   std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();

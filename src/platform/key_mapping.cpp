@@ -7,47 +7,40 @@
 #include <utility>
 
 #include "engine/input_event.hpp"
+#include "platform/key_names.hpp"
 
 namespace zb {
 
 namespace {
 
-// Virtual codes of the ANSI letter keys, a to z.
-constexpr std::array<uint16_t, 26> kLetterCodes = {
-    0,  11, 8,  2,  14, 3,  5,  4,  34, 38, 40, 37, 46,  // a-m
-    45, 31, 35, 12, 15, 1,  17, 32, 9,  13, 7,  16, 6,   // n-z
-};
-
-// Virtual codes of the digit row, 0 to 9.
-constexpr std::array<uint16_t, 10> kDigitCodes = {29, 18, 19, 20, 21, 23, 22, 26, 28, 25};
-
-struct NamedKey {
-  std::string_view name;
-  uint16_t code;
+struct ScancodeKey {
   SDL_Scancode scancode;
+  uint16_t code;
 };
 
-constexpr std::array<NamedKey, 9> kNamedKeys = {{
-    {"space", keycode::space, SDL_SCANCODE_SPACE},
-    {"return", keycode::returnKey, SDL_SCANCODE_RETURN},
-    {"enter", keycode::keypadEnter, SDL_SCANCODE_KP_ENTER},
-    {"escape", keycode::escape, SDL_SCANCODE_ESCAPE},
-    {"down", keycode::downArrow, SDL_SCANCODE_DOWN},
-    {"up", keycode::upArrow, SDL_SCANCODE_UP},
-    {"left", keycode::leftArrow, SDL_SCANCODE_LEFT},
-    {"right", keycode::rightArrow, SDL_SCANCODE_RIGHT},
+constexpr std::array<ScancodeKey, 9> kOtherKeys = {{
+    {SDL_SCANCODE_SPACE, keycode::space},
+    {SDL_SCANCODE_RETURN, keycode::returnKey},
+    {SDL_SCANCODE_KP_ENTER, keycode::keypadEnter},
+    {SDL_SCANCODE_ESCAPE, keycode::escape},
+    {SDL_SCANCODE_DOWN, keycode::downArrow},
+    {SDL_SCANCODE_UP, keycode::upArrow},
+    {SDL_SCANCODE_LEFT, keycode::leftArrow},
+    {SDL_SCANCODE_RIGHT, keycode::rightArrow},
     // The second Return some keyboards have behaves like the main one.
-    {"", keycode::returnKey, SDL_SCANCODE_RETURN2},
+    {SDL_SCANCODE_RETURN2, keycode::returnKey},
 }};
 
 }  // namespace
 
 uint16_t keyCodeForScancode(SDL_Scancode scancode) {
-  if (scancode >= SDL_SCANCODE_A && scancode <= SDL_SCANCODE_Z) return kLetterCodes[scancode - SDL_SCANCODE_A];
+  if (scancode >= SDL_SCANCODE_A && scancode <= SDL_SCANCODE_Z) {
+    return letterKeyCode(static_cast<char>('a' + (scancode - SDL_SCANCODE_A)));
+  }
   // SDL orders the digit row 1..9, then 0.
-  if (scancode >= SDL_SCANCODE_1 && scancode <= SDL_SCANCODE_9) return kDigitCodes[scancode - SDL_SCANCODE_1 + 1];
-  if (scancode == SDL_SCANCODE_0) return kDigitCodes[0];
-  for (const NamedKey& key : kNamedKeys) {
+  if (scancode >= SDL_SCANCODE_1 && scancode <= SDL_SCANCODE_9) return digitKeyCode(scancode - SDL_SCANCODE_1 + 1);
+  if (scancode == SDL_SCANCODE_0) return digitKeyCode(0);
+  for (const ScancodeKey& key : kOtherKeys) {
     if (key.scancode == scancode) return key.code;
   }
   const int unmapped = kUnmappedKeyCodeBase + static_cast<int>(scancode);
@@ -56,19 +49,6 @@ uint16_t keyCodeForScancode(SDL_Scancode scancode) {
 
 uint64_t modifierFlagsFor(uint16_t sdlKeymod) {
   return (sdlKeymod & KMOD_ALT) != 0 ? kOptionModifierFlag : 0;
-}
-
-std::optional<uint16_t> keyCodeForName(std::string_view name) {
-  if (name.size() == 1) {
-    const char c = name[0];
-    if (c >= 'a' && c <= 'z') return kLetterCodes[c - 'a'];
-    if (c >= '0' && c <= '9') return kDigitCodes[c - '0'];
-    return std::nullopt;
-  }
-  for (const NamedKey& key : kNamedKeys) {
-    if (!key.name.empty() && key.name == name) return key.code;
-  }
-  return std::nullopt;
 }
 
 }  // namespace zb

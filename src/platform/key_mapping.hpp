@@ -1,11 +1,9 @@
 #pragma once
-// Maps SDL keys and key names onto the layout-independent virtual key codes the scene understands.
+// Maps SDL keys onto the layout-independent virtual key codes the scene understands.
 // Physical positions (scancodes) decide, so a key keeps its code whatever the keyboard layout.
 #include <SDL_scancode.h>
 
 #include <cstdint>
-#include <optional>
-#include <string_view>
 
 namespace zb {
 
@@ -17,9 +15,5 @@ uint16_t keyCodeForScancode(SDL_Scancode scancode);
 
 // The modifier flags of a key event: Alt becomes the Option bit.
 uint64_t modifierFlagsFor(uint16_t sdlKeymod);
-
-// The virtual code for a key name: "space", "p", "return", "enter" (keypad), "escape", "down", "up",
-// "left", "right", a letter "a"-"z" or a digit "0"-"9". Nothing for any other name.
-std::optional<uint16_t> keyCodeForName(std::string_view name);
 
 }  // namespace zb
