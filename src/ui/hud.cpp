@@ -10,7 +10,6 @@ namespace zb {
 namespace {
 
 constexpr const char* kFontName = "Menlo";
-constexpr double kButtonFontSize = 18;
 constexpr double kDimAlpha = 0.35;
 constexpr int kTauntMaxLines = 2;
 constexpr double kTauntWrapFraction = 0.8;  // of the scene width when the tree is built
@@ -24,9 +23,9 @@ constexpr double kSettingsZ = 110;
 constexpr double kGameOverZ = 120;
 constexpr double kPauseZ = 125;
 
-void style(LabelNode& label, const std::string& text, double fontSize, Color color) {
+// Sizes and positions come from the layout alone.
+void style(LabelNode& label, const std::string& text, Color color) {
   label.setText(text);
-  label.setFontSize(fontSize);
   label.fontColor = color;
   label.horizontalAlignment = HorizontalAlignment::center;
 }
@@ -41,7 +40,7 @@ void addPage(Node& parent, Node& page, double z, bool hidden) {
 
 LabelNodePtr GameScene::buttonLabel(const std::string& text, const std::string& name) {
   auto button = std::make_shared<LabelNode>(kFontName);
-  style(*button, text, kButtonFontSize, Color::black());
+  style(*button, text, Color::black());
   button->name = name;
   return button;
 }
@@ -49,25 +48,22 @@ LabelNodePtr GameScene::buttonLabel(const std::string& text, const std::string& 
 void GameScene::setupUI() {
   const Size sceneSize = size();
 
-  scoreLabel->setFontSize(18);
   scoreLabel->fontColor = Color::black();
   scoreLabel->horizontalAlignment = HorizontalAlignment::left;
   scoreLabel->zPosition = kHudLabelZ;
-  highScoreLabel->setFontSize(14);
   highScoreLabel->fontColor = Color::darkGray();
   highScoreLabel->horizontalAlignment = HorizontalAlignment::left;
   highScoreLabel->zPosition = kHudLabelZ;
   uiLayer->addChild(scoreLabel);
   uiLayer->addChild(highScoreLabel);
 
-  dimBackground = ShapeNode::withRectOfSize(sceneSize);
   dimBackground->fillColor = Color::black().withAlpha(kDimAlpha);
   dimBackground->strokeColor = Color::clear();
   dimBackground->zPosition = kDimZ;
   dimBackground->hidden = true;
   uiLayer->addChild(dimBackground);
 
-  style(*fullscreenButton, "Full Screen", 14, Color::black());
+  style(*fullscreenButton, "Full Screen", Color::black());
   fullscreenButton->name = "btn_fullscreen";
   fullscreenButton->horizontalAlignment = HorizontalAlignment::right;
   fullscreenButton->zPosition = kHudButtonZ;
@@ -80,8 +76,8 @@ void GameScene::setupUI() {
   uiLayer->addChild(pauseButton);
 
   addPage(*uiLayer, *menuOverlay, kMenuZ, false);
-  style(*titleLabel, "Zindlebop", 32, Color::black());
-  style(*subtitleLabel, "Run, jump, survive", 16, Color::darkGray());
+  style(*titleLabel, "Zindlebop", Color::black());
+  style(*subtitleLabel, "Run, jump, survive", Color::darkGray());
   startButton = buttonLabel("Start", "btn_start");
   settingsButton = buttonLabel("Settings", "btn_settings");
   for (const LabelNodePtr& label : {titleLabel, subtitleLabel, startButton, settingsButton}) {
@@ -89,12 +85,12 @@ void GameScene::setupUI() {
   }
 
   addPage(*uiLayer, *settingsOverlay, kSettingsZ, true);
-  style(*settingsTitle, "Settings", 26, Color::black());
+  style(*settingsTitle, "Settings", Color::black());
   toggleFPSLabel = buttonLabel("Show FPS: Off", "btn_fps");
   musicToggleLabel = buttonLabel("Music: On", "btn_music");
   // The read-out is named, but without the button prefix, so a click on it does nothing.
   volumeLabel = std::make_shared<LabelNode>(kFontName);
-  style(*volumeLabel, "Volume: 60%", 18, Color::black());
+  style(*volumeLabel, "Volume: 60%", Color::black());
   volumeLabel->name = "lbl_volume";
   volDownButton = buttonLabel("-", "btn_vol_down");
   volUpButton = buttonLabel("+", "btn_vol_up");
@@ -105,12 +101,12 @@ void GameScene::setupUI() {
   }
 
   addPage(*uiLayer, *gameOverOverlay, kGameOverZ, true);
-  style(*goTitle, "Game Over", 28, Color::black());
-  style(*goScore, "", 18, Color::black());
-  style(*goHigh, "", 16, Color::darkGray());
+  style(*goTitle, "Game Over", Color::black());
+  style(*goScore, "", Color::black());
+  style(*goHigh, "", Color::darkGray());
   retryButton = buttonLabel("Retry", "btn_retry");
   menuButton = buttonLabel("Main Menu", "btn_menu");
-  style(*tauntLabel, "", 16, Color::darkGray());
+  style(*tauntLabel, "", Color::darkGray());
   tauntLabel->setNumberOfLines(kTauntMaxLines);
   // Set once from the width at start-up and kept through resizes.
   tauntLabel->setPreferredMaxLayoutWidth(sceneSize.width * kTauntWrapFraction);
@@ -121,15 +117,19 @@ void GameScene::setupUI() {
   addPage(*uiLayer, *pauseOverlay, kPauseZ, true);
   // The title keeps the default label colour, so the pause page reads the same under every palette.
   pauseTitle->setText("Paused");
-  pauseTitle->setFontSize(28);
   pauseTitle->horizontalAlignment = HorizontalAlignment::center;
   resumeButton = buttonLabel("Resume", "btn_resume");
-  // Held by no field: the layout finds it again by its name.
-  LabelNodePtr restartButton = buttonLabel("Restart", "btn_pause_restart");
+  // Held by no field: restartButton() finds it again by its name.
+  LabelNodePtr restart = buttonLabel("Restart", kRestartButtonName);
   pauseMenuButton = buttonLabel("Main Menu", "btn_pause_menu");
-  for (const LabelNodePtr& label : {pauseTitle, resumeButton, restartButton, pauseMenuButton}) {
+  for (const LabelNodePtr& label : {pauseTitle, resumeButton, restart, pauseMenuButton}) {
     pauseOverlay->addChild(label);
   }
+}
+
+LabelNodePtr GameScene::restartButton() const {
+  // A missing or foreign node is no button.
+  return pauseOverlay ? std::dynamic_pointer_cast<LabelNode>(pauseOverlay->childNamed(kRestartButtonName)) : nullptr;
 }
 
 void GameScene::updateScoreLabels() {

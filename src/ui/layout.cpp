@@ -89,8 +89,8 @@ void GameScene::layoutGameOver() {
   const double y1 = size().height * kPauseAnchor;
   place(*pauseTitle, {cx, y1}, 28 * s);
   place(*resumeButton, {cx, y1 - 44 * s}, 20 * s);
-  // The restart button is kept by the page alone; a missing or foreign node skips its row.
-  if (auto restart = std::dynamic_pointer_cast<LabelNode>(pauseOverlay->childNamed("btn_pause_restart"))) {
+  // A missing or foreign restart button skips its row.
+  if (LabelNodePtr restart = restartButton()) {
     place(*restart, {cx, y1 - 78 * s}, 18 * s);
   }
   place(*pauseMenuButton, {cx, y1 - 112 * s}, 18 * s);

@@ -21,7 +21,6 @@ void expectChildren(const Node& parent, const std::vector<Row>& rows) {
     EXPECT_EQ(rows[i].node->name, rows[i].name);
     if (auto* label = dynamic_cast<const LabelNode*>(rows[i].node)) {
       EXPECT_EQ(label->text(), rows[i].text);
-      EXPECT_EQ(label->fontSize(), rows[i].fontSize);
     }
   }
 }
