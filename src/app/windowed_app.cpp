@@ -8,7 +8,7 @@
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
 #include "platform/pango_text.hpp"
-#include "platform/frame_loop.hpp"
+#include "platform/window_loop.hpp"
 #include "platform/mixer_sound.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
