@@ -84,23 +84,6 @@ TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
   EXPECT_EQ(run.lines().size(), 1u) << "a missing final newline is fine";
 }
 
-TEST(HeadlessDriver, RelaunchRestartsTheFrameCountOnTheSamePreferences) {
-  HeadlessRun run = runScript(
-      "pref set quorraHighScore int 4321\npref set note string a \"quoted\" word\npref set gone int 1\n"
-      "pref remove gone\ndump\nstep 5\ndump\nrelaunch\nstep 2\ndump\nlaunch\ndump\n");
-  ASSERT_EQ(run.status, 0) << run.err;
-  std::vector<Json> dumps = run.dumps();
-  ASSERT_EQ(dumps.size(), 4u);
-  std::vector<double> frames;
-  for (const Json& dump : dumps) {
-    frames.push_back(dump["frame"].number);
-    EXPECT_EQ(dump["highScore"].number, 4321);
-    EXPECT_FALSE(dump["preferences"].has("gone"));
-    EXPECT_EQ(dump["preferences"]["note"].text, "a \"quoted\" word");
-  }
-  EXPECT_EQ(frames, (std::vector<double>{0, 5, 2, 2})) << "a launch with a scene running changes nothing";
-}
-
 TEST(HeadlessDriver, SpaceStartsARunWithItsSoundOnceAndTheMouseShowsTheCursor) {
   TempFolder resources("zb-headless-sounds");
   resources.touch("jump.mp3");
@@ -117,18 +100,6 @@ TEST(HeadlessDriver, SpaceStartsARunWithItsSoundOnceAndTheMouseShowsTheCursor) {
   EXPECT_TRUE(dumps[1]["sounds"].items.empty()) << "sounds are listed once";
   EXPECT_FALSE(dumps[1]["view"]["cursorHidden"].boolean);
   EXPECT_EQ(dumps[1]["size"][0].number, 1000);
-}
-
-TEST(HeadlessDriver, FullScreenFromTheWindowManagerIsImmediateFromTheGameAStepLater) {
-  HeadlessRun run = runScript("fullscreen\ndump\nkey down return alt\ndump\nstep\ndump\n");
-  ASSERT_EQ(run.status, 0) << run.err;
-  std::vector<Json> dumps = run.dumps();
-  ASSERT_EQ(dumps.size(), 3u);
-  EXPECT_TRUE(dumps[0]["view"]["fullscreen"].boolean);
-  EXPECT_EQ(dumps[0]["labels"]["fullscreenButton"]["text"].text, "Exit Full Screen");
-  EXPECT_TRUE(dumps[1]["view"]["fullscreen"].boolean);
-  EXPECT_FALSE(dumps[2]["view"]["fullscreen"].boolean);
-  EXPECT_EQ(dumps[2]["labels"]["fullscreenButton"]["text"].text, "Full Screen");
 }
 
 }  // namespace
