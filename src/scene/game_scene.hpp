@@ -256,6 +256,8 @@ class GameScene : public Scene {
   void registerForFullScreenNotifications(View& view);  // scene/lifecycle.cpp
   void hideCursorUntilMouseMoves();                      // scene/game_flow.cpp
   void unhideCursor();                                   // scene/game_flow.cpp
+  // One page over the dimmed run without the pause button, or with none the bare run.
+  void showPage(Node* page);                             // scene/game_flow.cpp
   void playJumpSound();                                  // scene/input.cpp
   void playClickSound();                                 // scene/input.cpp
   std::string buttonNameAt(Point pointInUILayer) const;  // scene/input.cpp
