@@ -121,8 +121,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
   const std::string good = "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingMusicEnabled=bool:false\n";
   std::string garbage;
   for (int i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 37) & 0xFF);
-  std::string enormous = good;
-  while (enormous.size() < (3u << 20)) enormous += "# " + std::string(1000, 'x') + "\n";
 
   struct Case {
     const char* name;
@@ -134,7 +132,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
       {"empty", [](const fs::path& file) { writeBytes(file, ""); }, {}},
       {"truncated", [&](const fs::path& file) { writeBytes(file, good + "quorra_settingShowFPS=bo"); },
        {0.25, false, false}},
-      {"cut in its header", [](const fs::path& file) { writeBytes(file, "[prefer"); }, {}},
       {"binary garbage", [&](const fs::path& file) { writeBytes(file, garbage); }, {}},
       {"a directory", [](const fs::path& file) { fs::create_directories(file / "inside"); }, {}},
       {"values of another type",
@@ -149,7 +146,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
                           "quorra_settingShowFPS=bool:1\n");
        },
        {}},
-      {"enormous", [&](const fs::path& file) { writeBytes(file, enormous); }, {}},
   };
   for (const Case& each : cases) {
     SCOPED_TRACE(each.name);

@@ -44,32 +44,18 @@ TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
 TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
   const std::pair<const char*, const char*> cases[] = {
       {"bogus", "unknown command 'bogus'"},
-      {"Step 1", "unknown command 'Step'"},
       {"step -1", "step: frame count must be a whole number of 0 or more, not '-1'"},
-      {"step 1.5", "step: frame count must be a whole number of 0 or more, not '1.5'"},
       {"step 1 2", "step: unexpected '2'"},
       {"autoplay", "autoplay: missing frame count"},
-      {"dump now", "dump: unexpected 'now'"},
-      {"key", "key: missing 'down' or 'up'"},
       {"key press space", "key: expected 'down' or 'up', not 'press'"},
-      {"key down", "key: missing key name"},
       {"key down spacebar", "key: unknown key 'spacebar'"},
-      {"key down 65536", "key: unknown key '65536'"},
       {"key down space shift", "key: expected 'alt', not 'shift'"},
-      {"key up space alt", "key: unexpected 'alt'"},
       {"click 10", "click: missing Y"},
       {"click nan 10", "click: X must be a number, not 'nan'"},
-      {"resize -0.5 600", "resize: width must be a number of 0 or more, not '-0.5'"},
       {"resize 800 inf", "resize: height must be a number of 0 or more, not 'inf'"},
-      {"resize 800 -1", "resize: height must be a number of 0 or more, not '-1'"},
       {"pref set k double 1", "pref: type must be int, bool, float or string, not 'double'"},
-      {"pref set k bool yes", "pref: bool value must be 'true' or 'false', not 'yes'"},
       {"pref set k int 99999999999999999999", "pref: int value must be a whole number, not '99999999999999999999'"},
-      {"pref set k float abc", "pref: float value must be a number, not 'abc'"},
-      {"pref set k string", "pref: missing value"},
       {"pref get k", "pref: expected 'set' or 'remove', not 'get'"},
-      {"screenshot", "screenshot: missing file name"},
-      {"fullscreen on", "fullscreen: unexpected 'on'"},
   };
   for (const auto& [line, reason] : cases) {
     SCOPED_TRACE(line);
