@@ -177,9 +177,10 @@ class PangoMeasurer final : public TextMeasurer {
 
 }  // namespace
 
+// Fonts are set up on the first layout, not here, so that a program that never shows text never
+// starts fontconfig.
 void installPangoText() {
   static const PangoMeasurer measurer;
-  installFontAliases();
   installTextMeasurer(&measurer);
 }
 

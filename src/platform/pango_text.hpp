@@ -13,8 +13,7 @@ namespace zb {
 
 class LabelNode;
 
-// Registers the font aliases with fontconfig and makes pango the labels' measurer, once per process;
-// later calls do nothing.
+// Makes pango the labels' measurer; the font aliases are registered with the first layout.
 void installPangoText();
 
 // Draws the label's text in its font colour, times `alpha`, with the current cairo user space taken
