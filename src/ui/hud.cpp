@@ -36,12 +36,17 @@ void addPage(Node& parent, Node& page, double z, bool hidden) {
   parent.addChild(page.shared_from_this());
 }
 
+// A button is a label with a name the clicks are routed by.
+void makeButton(LabelNode& button, const std::string& text, const std::string& name) {
+  style(button, text, Color::black());
+  button.name = name;
+}
+
 }  // namespace
 
 LabelNodePtr GameScene::buttonLabel(const std::string& text, const std::string& name) {
   auto button = std::make_shared<LabelNode>(kFontName);
-  style(*button, text, Color::black());
-  button->name = name;
+  makeButton(*button, text, name);
   return button;
 }
 
@@ -70,7 +75,7 @@ void GameScene::setupUI() {
   uiLayer->addChild(fullscreenButton);
   updateFullscreenButtonTitle();
 
-  pauseButton = buttonLabel("Pause", "btn_pause");
+  makeButton(*pauseButton, "Pause", "btn_pause");
   pauseButton->horizontalAlignment = HorizontalAlignment::right;
   pauseButton->zPosition = kHudButtonZ;
   uiLayer->addChild(pauseButton);
@@ -78,23 +83,22 @@ void GameScene::setupUI() {
   addPage(*uiLayer, *menuOverlay, kMenuZ, false);
   style(*titleLabel, "Zindlebop", Color::black());
   style(*subtitleLabel, "Run, jump, survive", Color::darkGray());
-  startButton = buttonLabel("Start", "btn_start");
-  settingsButton = buttonLabel("Settings", "btn_settings");
+  makeButton(*startButton, "Start", "btn_start");
+  makeButton(*settingsButton, "Settings", "btn_settings");
   for (const LabelNodePtr& label : {titleLabel, subtitleLabel, startButton, settingsButton}) {
     menuOverlay->addChild(label);
   }
 
   addPage(*uiLayer, *settingsOverlay, kSettingsZ, true);
   style(*settingsTitle, "Settings", Color::black());
-  toggleFPSLabel = buttonLabel("Show FPS: Off", "btn_fps");
-  musicToggleLabel = buttonLabel("Music: On", "btn_music");
+  makeButton(*toggleFPSLabel, "Show FPS: Off", "btn_fps");
+  makeButton(*musicToggleLabel, "Music: On", "btn_music");
   // The read-out is named, but without the button prefix, so a click on it does nothing.
-  volumeLabel = std::make_shared<LabelNode>(kFontName);
   style(*volumeLabel, "Volume: 60%", Color::black());
   volumeLabel->name = "lbl_volume";
-  volDownButton = buttonLabel("-", "btn_vol_down");
-  volUpButton = buttonLabel("+", "btn_vol_up");
-  settingsBackButton = buttonLabel("Back", "btn_back");
+  makeButton(*volDownButton, "-", "btn_vol_down");
+  makeButton(*volUpButton, "+", "btn_vol_up");
+  makeButton(*settingsBackButton, "Back", "btn_back");
   for (const LabelNodePtr& label : {settingsTitle, toggleFPSLabel, musicToggleLabel, volumeLabel, volDownButton,
                                     volUpButton, settingsBackButton}) {
     settingsOverlay->addChild(label);
@@ -104,8 +108,8 @@ void GameScene::setupUI() {
   style(*goTitle, "Game Over", Color::black());
   style(*goScore, "", Color::black());
   style(*goHigh, "", Color::darkGray());
-  retryButton = buttonLabel("Retry", "btn_retry");
-  menuButton = buttonLabel("Main Menu", "btn_menu");
+  makeButton(*retryButton, "Retry", "btn_retry");
+  makeButton(*menuButton, "Main Menu", "btn_menu");
   style(*tauntLabel, "", Color::darkGray());
   tauntLabel->setNumberOfLines(kTauntMaxLines);
   // Set once from the width at start-up and kept through resizes.
@@ -118,10 +122,10 @@ void GameScene::setupUI() {
   // The title keeps the default label colour, so the pause page reads the same under every palette.
   pauseTitle->setText("Paused");
   pauseTitle->horizontalAlignment = HorizontalAlignment::center;
-  resumeButton = buttonLabel("Resume", "btn_resume");
+  makeButton(*resumeButton, "Resume", "btn_resume");
   // Held by no field: restartButton() finds it again by its name.
   LabelNodePtr restart = buttonLabel("Restart", kRestartButtonName);
-  pauseMenuButton = buttonLabel("Main Menu", "btn_pause_menu");
+  makeButton(*pauseMenuButton, "Main Menu", "btn_pause_menu");
   for (const LabelNodePtr& label : {pauseTitle, resumeButton, restart, pauseMenuButton}) {
     pauseOverlay->addChild(label);
   }
