@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 
 namespace zb::bench {
 

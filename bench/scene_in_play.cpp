@@ -1,6 +1,7 @@
 #include "scene_in_play.hpp"
 
 #include "engine/input_event.hpp"
+#include "platform/pango_text.hpp"
 
 namespace zb::bench {
 
@@ -19,6 +20,7 @@ void TimedGameScene::update(double currentTime) {
 }
 
 SceneInPlay::SceneInPlay(Size size) : view_(size), scene_(std::make_shared<TimedGameScene>(size)) {
+  installPangoText();
   scene_->random().seed(kBenchSeed);
   view_.presentScene(scene_);
   pressPlayersKeys();

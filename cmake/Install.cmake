@@ -13,9 +13,8 @@ set(ZB_SOUND_INSTALL_DIR "${CMAKE_INSTALL_DATADIR}/zindlebop")
 # Sounds are looked up from the executable's own folder, so that a whole installed tree can move.
 file(RELATIVE_PATH ZB_SOUNDS_FROM_EXECUTABLE "${CMAKE_INSTALL_FULL_BINDIR}"
      "${CMAKE_INSTALL_PREFIX}/${ZB_SOUND_INSTALL_DIR}")
-target_compile_definitions(zb_platform PRIVATE
-  ZB_APP_ID="${ZB_APP_ID}"
-  ZB_SOUNDS_FROM_EXECUTABLE="${ZB_SOUNDS_FROM_EXECUTABLE}")
+target_compile_definitions(zb_platform PRIVATE ZB_SOUNDS_FROM_EXECUTABLE="${ZB_SOUNDS_FROM_EXECUTABLE}")
+target_compile_definitions(zb_platform_sdl PRIVATE ZB_APP_ID="${ZB_APP_ID}")
 
 # Every picture of the icon comes from the one SVG, converted at build time, so none can drift.
 find_program(ZB_RSVG_CONVERT rsvg-convert REQUIRED)
@@ -44,7 +43,7 @@ add_custom_command(OUTPUT "${ZB_WINDOW_ICON_CODE}"
   DEPENDS "${ZB_WINDOW_ICON_PNG}" "${PROJECT_SOURCE_DIR}/cmake/EmbedWindowIcon.cmake"
   COMMENT "Embedding the window icon"
   VERBATIM)
-target_sources(zb_platform PRIVATE "${ZB_WINDOW_ICON_CODE}")
+target_sources(zb_platform_sdl PRIVATE "${ZB_WINDOW_ICON_CODE}")
 
 # Manual page and package documents, compressed the way Debian expects them.
 set(ZB_COMPRESSED_DOCS

@@ -12,7 +12,7 @@
 #include "headless/headless_session.hpp"
 #include "headless/script_command.hpp"
 #include "settings/preference_keys.hpp"
-#include "json_check.hpp"
+#include "support/json_reader.hpp"
 
 namespace {
 
@@ -98,7 +98,7 @@ class Player {
     out_.str("");
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-      if (!zb::fuzz::JsonCheck::valid(line)) fail();
+      if (!zb::test::parseJson(line)) fail();
     }
   }
 

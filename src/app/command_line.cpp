@@ -1,13 +1,14 @@
 #include "app/command_line.hpp"
 
+#include <algorithm>
 #include <charconv>
 
 namespace zb {
 
 namespace {
 
-// Sizes beyond this are typing mistakes, not windows.
-constexpr uint64_t kMaxWindowExtent = 16384;
+// Sizes beyond this are typing mistakes, not windows or views.
+constexpr uint64_t kMaxExtent = 16384;
 
 // A whole decimal number with nothing else around it (no sign, no spaces).
 template <typename Number>
@@ -26,7 +27,7 @@ std::optional<Size> parseSize(std::string_view text) {
   const auto width = parseNumber<uint64_t>(text.substr(0, x));
   const auto height = parseNumber<uint64_t>(text.substr(x + 1));
   if (!width || !height) return std::nullopt;
-  if (*width == 0 || *height == 0 || *width > kMaxWindowExtent || *height > kMaxWindowExtent) return std::nullopt;
+  if (*width == 0 || *height == 0 || *width > kMaxExtent || *height > kMaxExtent) return std::nullopt;
   return Size{static_cast<double>(*width), static_cast<double>(*height)};
 }
 
@@ -34,48 +35,82 @@ CommandLineError badValue(std::string_view option, std::string_view value, std::
   return {"bad value '" + std::string(value) + "' for " + std::string(option) + " (expected " + std::string(expected) + ")"};
 }
 
+constexpr std::string_view kValueOptions[] = {"--size",      "--seed",     "--prefs", "--frames",
+                                              "--resources", "--fallback", "--script"};
+constexpr std::string_view kWindowOnly[] = {"--fullscreen", "--frames"};
+constexpr std::string_view kHeadlessOnly[] = {"--resources", "--fallback", "--script"};
+
+bool isOneOf(std::string_view name, std::span<const std::string_view> names) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+// Sets one option from its value; an error when the value is not acceptable.
+std::optional<CommandLineError> apply(std::string_view name, std::string_view value, CommandLineOptions& options) {
+  if (name == "--size") {
+    options.size = parseSize(value);
+    if (!options.size) return badValue(name, value, "WIDTHxHEIGHT, each 1 to 16384");
+  } else if (name == "--seed") {
+    options.seed = parseNumber<uint64_t>(value);
+    if (!options.seed) return badValue(name, value, "a whole number from 0 to 18446744073709551615");
+  } else if (name == "--frames") {
+    options.frameLimit = parseNumber<int64_t>(value);
+    if (!options.frameLimit || *options.frameLimit <= 0) return badValue(name, value, "a positive whole number");
+  } else if (value.empty()) {
+    return badValue(name, value, "a file or folder name");
+  } else if (name == "--prefs") {
+    options.prefsFile = std::string(value);
+  } else if (name == "--resources") {
+    options.resourceFolder = std::string(value);
+  } else if (name == "--fallback") {
+    options.fallbackFolder = value == "none" ? std::string() : std::string(value);
+  } else {
+    options.scriptFile = std::string(value);
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
   CommandLineOptions options;
-  for (std::string_view arg : args) {
-    if (arg == "--headless") {
-      options.action = CommandLineOptions::Action::headless;
-      return options;
-    }
-  }
+  // The mode decides which options make sense, so it is known before any option is read.
+  const bool headless = std::find(args.begin(), args.end(), "--headless") != args.end();
+  const std::span<const std::string_view> otherModesOptions =
+      headless ? std::span<const std::string_view>(kWindowOnly) : std::span<const std::string_view>(kHeadlessOnly);
+  bool help = false;
+  bool version = false;
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string_view arg = args[i];
+    const std::string_view name = arg.substr(0, arg.find('='));
+    if (isOneOf(name, otherModesOptions)) {
+      return CommandLineError{std::string(name) + (headless ? " is only for the window" : " needs --headless")};
+    }
+    if (arg == "--headless") continue;
     if (arg == "--help" || arg == "-h") {
-      options.action = CommandLineOptions::Action::help;
+      help = true;
       continue;
     }
     if (arg == "--version") {
-      options.action = CommandLineOptions::Action::version;
+      version = true;
       continue;
     }
     if (arg == "--fullscreen") {
       options.fullScreen = true;
       continue;
     }
-    const bool takesValue = arg == "--size" || arg == "--seed" || arg == "--prefs" || arg == "--frames";
-    if (!takesValue) return CommandLineError{"unknown option '" + std::string(arg) + "'"};
-    if (i + 1 >= args.size()) return CommandLineError{"missing value for " + std::string(arg)};
-    const std::string_view value = args[++i];
-    if (arg == "--size") {
-      options.size = parseSize(value);
-      if (!options.size) return badValue(arg, value, "WIDTHxHEIGHT, each 1 to 16384");
-    } else if (arg == "--seed") {
-      options.seed = parseNumber<uint64_t>(value);
-      if (!options.seed) return badValue(arg, value, "a whole number from 0 to 18446744073709551615");
-    } else if (arg == "--prefs") {
-      if (value.empty()) return badValue(arg, value, "a file name");
-      options.prefsFile = std::string(value);
+    if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option '" + std::string(arg) + "'"};
+    std::string_view value;
+    if (name.size() < arg.size()) {
+      value = arg.substr(name.size() + 1);  // --name=value
+    } else if (i + 1 < args.size()) {
+      value = args[++i];
     } else {
-      options.frameLimit = parseNumber<int64_t>(value);
-      if (!options.frameLimit || *options.frameLimit <= 0) return badValue(arg, value, "a positive whole number");
+      return CommandLineError{"missing value for " + std::string(name)};
     }
+    if (auto error = apply(name, value, options)) return *error;
   }
+  using Action = CommandLineOptions::Action;
+  options.action = help ? Action::help : version ? Action::version : headless ? Action::headless : Action::play;
   return options;
 }
 
@@ -83,12 +118,16 @@ std::string versionText() { return std::string("zindlebop ") + ZB_VERSION; }
 
 std::string usageText() {
   return "usage: zindlebop [options]\n"
-         "  --fullscreen     start in full screen\n"
-         "  --size WxH       window size in points (default 960x540)\n"
+         "       zindlebop --headless [options]   (no window; driven by a script)\n"
+         "  --size WxH       window or view size in points (default 960x540; headless 800x600)\n"
          "  --seed N         seed of the game's random source (default: a fresh one)\n"
-         "  --prefs FILE     preferences file (default: in the user's config folder)\n"
-         "  --frames N       quit after N frames\n"
-         "  --headless ...   run without a window, driven by a script, with its own options\n"
+         "  --prefs FILE     preferences file (default: in the user's config folder;\n"
+         "                   headless: a private store discarded at exit)\n"
+         "  --fullscreen     start in full screen (window only)\n"
+         "  --frames N       quit after N frames (window only)\n"
+         "  --script FILE    the headless script (default: standard input)\n"
+         "  --resources DIR  headless: the resource folder searched first for sounds\n"
+         "  --fallback DIR   headless: the fallback sound folder, or none\n"
          "  --version        print the version and exit\n"
          "  --help           print this help and exit\n";
 }

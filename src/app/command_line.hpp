@@ -1,5 +1,5 @@
 #pragma once
-// The windowed game's command line. Parsing is pure: it reads the words and says what to do, and the
+// The game's one command line, for the window and for the headless driver. Parsing is pure: it reads the words and says what to do, and the
 // caller prints and exits.
 #include <cstdint>
 #include <optional>
@@ -20,6 +20,10 @@ struct CommandLineOptions {
   std::optional<uint64_t> seed;     // a fresh seed when unset
   std::optional<std::string> prefsFile;  // the default preferences location when unset
   std::optional<int64_t> frameLimit;     // run this many frames, then quit (for smoke tests)
+  // Headless only.
+  std::optional<std::string> scriptFile;      // standard input when unset
+  std::optional<std::string> resourceFolder;  // the built or installed one when unset
+  std::optional<std::string> fallbackFolder;  // the compiled-in one when unset; "" means none
 };
 
 struct CommandLineError {
@@ -28,8 +32,8 @@ struct CommandLineError {
 
 using CommandLineResult = std::variant<CommandLineOptions, CommandLineError>;
 
-// `args` are the words after the program name. "--headless" anywhere hands the whole command line to
-// the headless driver, which reads its own options.
+// `args` are the words after the program name; "--headless" anywhere chooses the headless driver.
+// Options may be written "--name value" or "--name=value"; an option of the other mode is an error.
 CommandLineResult parseCommandLine(std::span<const std::string_view> args);
 
 // "zindlebop VERSION".

@@ -7,6 +7,20 @@
 #include "headless/headless_driver.hpp"
 #include "app/windowed_app.hpp"
 
+namespace {
+
+zb::HeadlessOptions headlessOptionsFrom(const zb::CommandLineOptions& options) {
+  zb::HeadlessOptions headless;
+  if (options.size) headless.size = *options.size;
+  headless.seed = options.seed;
+  headless.prefsFile = options.prefsFile;
+  headless.resourceFolder = options.resourceFolder;
+  headless.fallbackFolder = options.fallbackFolder;
+  return headless;
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   const std::vector<std::string_view> args(argv + (argc > 0 ? 1 : 0), argv + argc);
   const zb::CommandLineResult parsed = zb::parseCommandLine(args);
@@ -17,7 +31,7 @@ int main(int argc, char** argv) {
   const auto& options = std::get<zb::CommandLineOptions>(parsed);
   switch (options.action) {
     case zb::CommandLineOptions::Action::headless:
-      return zb::runHeadlessMain(argc, argv);
+      return zb::runHeadlessMain(headlessOptionsFrom(options), options.scriptFile);
     case zb::CommandLineOptions::Action::help:
       std::fputs(zb::usageText().c_str(), stdout);
       return 0;

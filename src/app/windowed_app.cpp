@@ -7,10 +7,10 @@
 
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
-#include "engine/text_layout.hpp"
 #include "platform/desktop_motion.hpp"
-#include "platform/frame_loop.hpp"
 #include "platform/gamepads.hpp"
+#include "platform/pango_text.hpp"
+#include "platform/window_loop.hpp"
 #include "platform/mixer_sound.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
@@ -65,7 +65,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   std::unique_ptr<WindowCanvas> canvas = WindowCanvas::create(window->handle(), error);
   if (!canvas) return failWith("cannot draw into the window", error);
   SDL_StopTextInput();  // keys only; no input-method popups over the game
-  installFontAliases();
+  installPangoText();
 
   // Pads already connected are announced by SDL as arrivals once the loop starts reading events.
   SdlGamepads gamepads;

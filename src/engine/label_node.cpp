@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "engine/text_layout.hpp"
 
 namespace zb {
 
@@ -38,6 +37,9 @@ void LabelNode::setPreferredMaxLayoutWidth(double width) {
   ++revision_;
 }
 
-std::optional<Rect> LabelNode::contentBounds() const { return measureLabel(*this); }
+std::optional<Rect> LabelNode::contentBounds() const {
+  const TextMeasurer* measurer = textMeasurer();
+  return measurer ? measurer->measure(*this) : std::nullopt;
+}
 
 }  // namespace zb

@@ -7,10 +7,9 @@
 
 #include "engine/color.hpp"
 #include "engine/node.hpp"
+#include "engine/text_metrics.hpp"
 
 namespace zb {
-
-struct LabelLayout;
 
 enum class HorizontalAlignment { center = 0, left = 1, right = 2 };
 
@@ -36,8 +35,11 @@ class LabelNode : public Node {
 
   std::optional<Rect> contentBounds() const override;
 
-  // Changes with every text or font change; lets drawing code cache its layout.
+  // Changes with every text or font change; lets the text backend cache its layout.
   unsigned long layoutRevision() const { return revision_; }
+  // The text backend's layout of this label, shared by measuring and drawing; the backend rebuilds it
+  // when the revision changes.
+  std::shared_ptr<LaidOutText>& laidOutText() const { return laidOut_; }
 
  private:
   std::string text_;
@@ -46,9 +48,7 @@ class LabelNode : public Node {
   int numberOfLines_ = 1;
   double preferredMaxLayoutWidth_ = 0;
   unsigned long revision_ = 0;
-  // The laid-out text, shared by measuring and drawing; rebuilt when the revision changes.
-  friend class LabelLayoutCache;
-  mutable std::shared_ptr<LabelLayout> layout_;
+  mutable std::shared_ptr<LaidOutText> laidOut_;
 };
 
 using LabelNodePtr = std::shared_ptr<LabelNode>;

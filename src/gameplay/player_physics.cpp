@@ -1,6 +1,7 @@
 // The figure's vertical motion, one step per frame: gravity, the ground clamp, a buffered jump with
 // coyote time, the standing or ducking height, and the choice of pose. Nothing is scaled by time.
 #include "engine/checked.hpp"
+#include "gameplay/runner_body.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {
@@ -12,36 +13,22 @@ constexpr int64_t kRunPoseCount = 4;
 
 }  // namespace
 
-bool GameScene::isPlayerGrounded() const { return playerFootAltitude <= kGroundedEpsilon; }
-
-double GameScene::currentPlayerHeight() const {
-  return isPlayerGrounded() && isDucking ? kPlayerHeightDucking : kPlayerHeightStanding;
+RunnerBody GameScene::runnerBody() const {
+  return {playerFootAltitude, playerVelocityY, framesSinceLeftGround, bufferedJumpFramesRemaining, isDucking};
 }
 
-void GameScene::updatePlayer() {
-  playerVelocityY += kGravity;
-  playerFootAltitude += playerVelocityY;
-  if (playerFootAltitude < 0) {
-    playerFootAltitude = 0;
-    playerVelocityY = 0;
-  }
+bool GameScene::isPlayerGrounded() const { return isGrounded(runnerBody()); }
 
-  // A request is granted on the ground, or in the air while the coyote time lasts; otherwise it
-  // waits, counting down only while airborne, and may still be granted on the landing step.
-  const bool grounded = isPlayerGrounded();
-  if (grounded) {
-    framesSinceLeftGround = 0;
-  } else {
-    framesSinceLeftGround = checkedAdd(framesSinceLeftGround, 1);
-  }
-  if (bufferedJumpFramesRemaining >= 1) {
-    if (grounded || coyoteTimeFrames >= framesSinceLeftGround) {
-      playerVelocityY = kJumpVelocity;
-      bufferedJumpFramesRemaining = 0;
-    } else {
-      bufferedJumpFramesRemaining = checkedSub(bufferedJumpFramesRemaining, 1);
-    }
-  }
+double GameScene::currentPlayerHeight() const { return heightOf(runnerBody()); }
+
+void GameScene::updatePlayer() {
+  RunnerBody body = runnerBody();
+  stepRunnerBody(body, coyoteTimeFrames);
+  playerFootAltitude = body.footAltitude;
+  playerVelocityY = body.velocityY;
+  framesSinceLeftGround = body.framesSinceLeftGround;
+  bufferedJumpFramesRemaining = body.bufferedJumpFrames;
+  const bool grounded = isGrounded(body);
 
   const double height = currentPlayerHeight();
   playerContainer->position.y = groundHeightFromBottom + height * 0.5 + playerFootAltitude;

@@ -27,6 +27,14 @@ constexpr Point kNeck{0, 10};
 constexpr Point kShoulder{0, 2};
 constexpr Point kHip{0, -20};
 
+// Where the arms and legs end in a pose; they start at the shoulder and the hip.
+struct LimbEnds {
+  Point armLeft, armRight, legLeft, legRight;
+};
+// Standing still, and the run cycle's middle stride (its strides shift the ends by kStrideShift).
+constexpr LimbEnds kStanding{{-16, -10}, {16, -10}, {-12, -44}, {12, -44}};
+constexpr LimbEnds kAirborne{{-10, -14}, {10, -14}, {-8, -38}, {8, -38}};
+
 void restroke(ShapeNode& limb, Point from, Point to, Color color) {
   limb.path = Path::line(from, to);
   limb.strokeColor = color;
@@ -49,13 +57,13 @@ void GameScene::setupPlayer() {
   playerBody = line(kNeck, kHip);
   playerContainer->addChild(playerBody);
 
-  playerArmLeft = line(kShoulder, {-16, -10});
-  playerArmRight = line(kShoulder, {16, -10});
+  playerArmLeft = line(kShoulder, kStanding.armLeft);
+  playerArmRight = line(kShoulder, kStanding.armRight);
   playerContainer->addChild(playerArmLeft);
   playerContainer->addChild(playerArmRight);
 
-  playerLegLeft = line(kHip, {-12, -44});
-  playerLegRight = line(kHip, {12, -44});
+  playerLegLeft = line(kHip, kStanding.legLeft);
+  playerLegRight = line(kHip, kStanding.legRight);
   playerContainer->addChild(playerLegLeft);
   playerContainer->addChild(playerLegRight);
 }
@@ -64,10 +72,11 @@ void GameScene::applyRunPose(int64_t index) {
   // Even indices take the wide stride, odd ones (of either sign) the narrow one.
   const double s = checkedMod(index, 2) == 0 ? -kStrideShift : kStrideShift;
   const Color color = currentPrimaryColor;
-  restroke(*playerLegLeft, kHip, {s - 12, -44}, color);
-  restroke(*playerLegRight, kHip, {12 - s, -44}, color);
-  restroke(*playerArmLeft, kShoulder, {s - 16, -10}, color);
-  restroke(*playerArmRight, kShoulder, {16 - s, -10}, color);
+  const LimbEnds& at = kStanding;
+  restroke(*playerLegLeft, kHip, {at.legLeft.x + s, at.legLeft.y}, color);
+  restroke(*playerLegRight, kHip, {at.legRight.x - s, at.legRight.y}, color);
+  restroke(*playerArmLeft, kShoulder, {at.armLeft.x + s, at.armLeft.y}, color);
+  restroke(*playerArmRight, kShoulder, {at.armRight.x - s, at.armRight.y}, color);
 }
 
 void GameScene::applyDuckPose(double height) {
@@ -85,10 +94,10 @@ void GameScene::applyDuckPose(double height) {
 
 void GameScene::applyAirPose() {
   const Color color = currentPrimaryColor;
-  restroke(*playerLegLeft, kHip, {-8, -38}, color);
-  restroke(*playerLegRight, kHip, {8, -38}, color);
-  restroke(*playerArmLeft, kShoulder, {-10, -14}, color);
-  restroke(*playerArmRight, kShoulder, {10, -14}, color);
+  restroke(*playerLegLeft, kHip, kAirborne.legLeft, color);
+  restroke(*playerLegRight, kHip, kAirborne.legRight, color);
+  restroke(*playerArmLeft, kShoulder, kAirborne.armLeft, color);
+  restroke(*playerArmRight, kShoulder, kAirborne.armRight, color);
   playerHead->position = kHeadStanding;
 }
 

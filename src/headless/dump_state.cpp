@@ -9,10 +9,6 @@
 namespace zb {
 namespace {
 
-// Tags by which the dump recognises decoration that the scene keeps no field for.
-constexpr double kBirdZPosition = 20;
-constexpr double kExplosionDotZPosition = 50;
-constexpr const char* kRestartButtonName = "btn_pause_restart";
 
 
 // ---- Node helpers: every field may still be empty while the game is being built. ----------------
@@ -61,15 +57,6 @@ void forEachChild(const Node* parent, Visit visit) {
   for (const NodePtr& child : parent->children()) visit(*child);
 }
 
-// Direct children of the scene that are plain shape nodes (not obstacles) at the given depth.
-template <typename Visit>
-void forEachDecoration(const GameScene& scene, double zPosition, Visit visit) {
-  for (const NodePtr& child : scene.children()) {
-    auto* shape = dynamic_cast<const ShapeNode*>(child.get());
-    if (!shape || dynamic_cast<const GameScene::ObstacleNode*>(shape)) continue;
-    if (shape->zPosition == zPosition) visit(*shape);
-  }
-}
 
 // ---- One function per group of keys, in dump order. ---------------------------------------------
 
@@ -242,8 +229,7 @@ void writeLabels(JsonWriter& json, const GameScene& scene) {
   json.key("labels");
   json.beginObject();
   for (const auto& [key, field] : kLabelFields) writeLabel(json, key, (scene.*field).get());
-  NodePtr restart = scene.pauseOverlay ? scene.pauseOverlay->childNamed(kRestartButtonName) : nullptr;
-  writeLabel(json, "restartButton", dynamic_cast<const LabelNode*>(restart.get()));
+  writeLabel(json, "restartButton", scene.restartButton().get());
   json.endObject();
 }
 
@@ -332,24 +318,24 @@ void writeScenery(JsonWriter& json, const GameScene& scene) {
 void writeDecorations(JsonWriter& json, const GameScene& scene) {
   json.key("birds");
   json.beginArray();
-  forEachDecoration(scene, kBirdZPosition, [&](const ShapeNode& bird) {
+  for (const ShapeNodePtr& bird : scene.birds()) {
     json.beginObject();
-    json.field("position", bird.position);
-    json.field("xScale", bird.xScale);
-    json.field("zRotation", bird.zRotation);
-    json.field("strokeColor", bird.strokeColor);
+    json.field("position", bird->position);
+    json.field("xScale", bird->xScale);
+    json.field("zRotation", bird->zRotation);
+    json.field("strokeColor", bird->strokeColor);
     json.endObject();
-  });
+  }
   json.endArray();
   json.key("explosionDots");
   json.beginArray();
-  forEachDecoration(scene, kExplosionDotZPosition, [&](const ShapeNode& dot) {
+  for (const ShapeNodePtr& dot : scene.explosionDots()) {
     json.beginObject();
-    json.field("position", dot.position);
-    json.field("alpha", dot.alpha);
-    json.field("fillColor", dot.fillColor);
+    json.field("position", dot->position);
+    json.field("alpha", dot->alpha);
+    json.field("fillColor", dot->fillColor);
     json.endObject();
-  });
+  }
   json.endArray();
 }
 

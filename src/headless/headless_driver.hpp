@@ -22,7 +22,7 @@ struct HeadlessOptions {
 // (`line N: reason`) to `err`. Returns the process exit status: 0 on success, 2 on a bad line.
 int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostream& out, std::ostream& err);
 
-// The `zindlebop --headless ...` entry point; argv is the whole command line, argv[0] included.
-int runHeadlessMain(int argc, char** argv);
+// The `zindlebop --headless ...` entry point: runs the script file, or standard input without one.
+int runHeadlessMain(const HeadlessOptions& options, const std::optional<std::string>& scriptFile);
 
 }  // namespace zb

@@ -1,7 +1,7 @@
 #include "headless/headless_session.hpp"
 
 #include "headless/dump_state.hpp"
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
 
@@ -36,7 +36,7 @@ HeadlessSession::HeadlessSession(const HeadlessOptions& options, std::ostream& o
     : out_(out), seed_(options.seed ? *options.seed : freshSeed()), services_(servicesFor(options)),
       view_(options.size) {
   // Label frames depend on the font, so headless runs measure text with the window's font.
-  installFontAliases();
+  installPangoText();
 }
 
 HeadlessSession::~HeadlessSession() {

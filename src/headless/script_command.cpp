@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "platform/key_mapping.hpp"
+#include "engine/key_names.hpp"
 
 namespace zb {
 namespace {

@@ -1,5 +1,7 @@
 #pragma once
-// The windowed game's main loop: events, simulation steps at 60 a second, drawing, full-screen news.
+// The game's main loop without the window: events, simulation steps at 60 a second as the pacer
+// decides, a draw after every pass that stepped (unless the window is minimised), and the frame limit.
+// The outside world comes through a host, so the loop runs the same against a fake clock.
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -7,8 +9,7 @@
 namespace zb {
 
 class View;
-class SdlWindow;
-class WindowCanvas;
+class FramePacer;
 class SdlGamepads;
 
 struct FrameLoopOptions {
@@ -23,7 +24,20 @@ struct FrameLoopOptions {
   SdlGamepads* gamepads = nullptr;
 };
 
-// Runs until the window is closed or SDL is asked to quit (or the frame limit is reached).
-void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options);
+class FrameLoopHost {
+ public:
+  virtual ~FrameLoopHost() = default;
+  // Handles every waiting event; false when the game should quit.
+  virtual bool handleEvents() = 0;
+  // The monotonic time in seconds.
+  virtual double now() = 0;
+  // Sleeps up to `seconds`, waking early for input.
+  virtual void waitFor(double seconds) = 0;
+  virtual bool minimized() = 0;
+  virtual void draw(double framesPerSecond) = 0;
+};
+
+// Runs until the host says quit (or the frame limit is reached).
+void runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLoopOptions& options);
 
 }  // namespace zb

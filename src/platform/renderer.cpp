@@ -13,7 +13,7 @@
 #include "engine/label_node.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 
 namespace zb {
 
@@ -195,7 +195,7 @@ void drawCounters(cairo_t* cr, const View& view, double framesPerSecond, const c
   double baseline = kCounterMargin + kCounterPadding;
   std::optional<Rect> backdrop;
   for (LabelNode* label : lines) {
-    const std::optional<Rect> bounds = measureLabel(*label);
+    const std::optional<Rect> bounds = label->contentBounds();
     if (!bounds) continue;
     if (label == lines.front()) baseline -= bounds->minY();  // lift the descenders off the margin
     label->position = {right, baseline};

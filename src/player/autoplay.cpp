@@ -30,8 +30,8 @@ bool contains(const std::vector<int64_t>& offsets, int64_t offset) {
 
 // A press that restarts the ascent in the coyote time rather than leaving the ground.
 bool isSecondPress(const Body& body) {
-  const bool inFlight = !isGrounded(body) || body.velocity > 0;
-  return inFlight && body.airborneFrames + 1 <= kJumpTimingFrames;
+  const bool inFlight = !isGrounded(body) || body.velocityY > 0;
+  return inFlight && body.framesSinceLeftGround + 1 <= kJumpTimingFrames;
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ void Autoplayer::playRun(const GameScene& scene) {
 void Autoplayer::trackBody(const GameScene& scene) {
   const double altitude = scene.playerFootAltitude;
   const double lastSeen = std::exchange(lastSeenAltitude_, altitude);
-  if (bodyKnown_ && std::abs(body_.altitude - altitude) <= kBeliefTolerance) return;
+  if (bodyKnown_ && std::abs(body_.footAltitude - altitude) <= kBeliefTolerance) return;
   // A new run, or a figure moved by someone else: start over from what is on screen, without
   // counting on a second press in the air.
   const bool airborne = altitude > kGroundedEpsilon;

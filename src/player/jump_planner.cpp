@@ -89,8 +89,8 @@ std::vector<double> fly(Body body, const std::vector<int64_t>& presses) {
   std::vector<double> altitudes;
   for (int64_t frame = 0; frame < kMaxHorizon; ++frame) {
     stepBody(body, std::find(presses.begin(), presses.end(), frame) != presses.end());
-    if (isGrounded(body) && body.velocity <= 0) break;
-    altitudes.push_back(body.altitude);
+    if (isGrounded(body) && body.velocityY <= 0) break;
+    altitudes.push_back(body.footAltitude);
   }
   return altitudes;
 }
@@ -195,7 +195,7 @@ void Search::follow(int64_t d, Plan& plan) const {
   }
 }
 
-bool isAtRest(const Body& body) { return isGrounded(body) && body.velocity <= 0 && body.jumpBuffer == 0; }
+bool isAtRest(const Body& body) { return isGrounded(body) && body.velocityY <= 0 && body.bufferedJumpFrames == 0; }
 
 // Already in the air: carry on, or press again while the coyote time allows, whichever clears.
 // Returns the frame from which the figure can take off again.
@@ -203,7 +203,7 @@ int64_t finishFlight(const Body& body, const Search& search, Plan& plan) {
   std::vector<double> flight = fly(body, {});
   int64_t longest = search.survival(0, flight);
   int64_t bestPress = -1;
-  for (int64_t press = 0; longest != kNeverHit && body.airborneFrames + press + 1 <= kJumpTimingFrames; ++press) {
+  for (int64_t press = 0; longest != kNeverHit && body.framesSinceLeftGround + press + 1 <= kJumpTimingFrames; ++press) {
     std::vector<double> pressed = fly(body, {press});
     const int64_t survival = search.survival(0, pressed);
     if (survival > longest) {
@@ -219,25 +219,9 @@ int64_t finishFlight(const Body& body, const Search& search, Plan& plan) {
 
 }  // namespace
 
-bool isGrounded(const Body& body) { return body.altitude <= kGroundedEpsilon; }
-
 void stepBody(Body& body, bool pressJump) {
-  if (pressJump) body.jumpBuffer = kJumpTimingFrames;
-  body.velocity += kGravity;
-  body.altitude += body.velocity;
-  if (body.altitude < 0) {
-    body.altitude = 0;
-    body.velocity = 0;
-  }
-  const bool grounded = isGrounded(body);
-  body.airborneFrames = grounded ? 0 : body.airborneFrames + 1;
-  if (body.jumpBuffer < 1) return;
-  if (grounded || body.airborneFrames <= kJumpTimingFrames) {
-    body.velocity = kJumpVelocity;
-    body.jumpBuffer = 0;
-  } else {
-    body.jumpBuffer -= 1;
-  }
+  if (pressJump) body.bufferedJumpFrames = kJumpTimingFrames;
+  stepRunnerBody(body, kJumpTimingFrames);
 }
 
 Plan planJumps(const Situation& situation) {

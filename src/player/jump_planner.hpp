@@ -6,19 +6,15 @@
 #include <cstdint>
 #include <vector>
 
+#include "gameplay/runner_body.hpp"
+
 namespace zb {
 
-// The figure's vertical state as the player tracks it, in scene points and frames.
-struct Body {
-  double altitude = 0;  // feet above the ground line
-  double velocity = 0;  // points per frame, up positive
-  int64_t airborneFrames = 0;
-  int64_t jumpBuffer = 0;  // frames a pressed jump stays pending
-};
+// The figure's vertical state as the player tracks it: the game's own body motion.
+using Body = RunnerBody;
 
 // One frame of the body; `pressJump` is a press of the jump key just before the frame.
 void stepBody(Body& body, bool pressJump);
-bool isGrounded(const Body& body);
 
 // An obstacle as seen: its horizontal extent in scene x and its vertical extent above the ground.
 struct Sighting {

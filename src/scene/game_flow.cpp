@@ -32,16 +32,19 @@ void GameScene::unhideCursor() {
   if (View* v = view()) v->unhideCursor();
 }
 
+void GameScene::showPage(Node* page) {
+  for (Node* each : {menuOverlay.get(), settingsOverlay.get(), gameOverOverlay.get(), pauseOverlay.get()}) {
+    each->hidden = each != page;
+  }
+  dimBackground->hidden = page == nullptr;
+  pauseButton->hidden = page != nullptr;
+}
+
 void GameScene::startGame() {
   gameState = GameState::playing;
-  menuOverlay->hidden = true;
-  settingsOverlay->hidden = true;
-  gameOverOverlay->hidden = true;
-  dimBackground->hidden = true;
-  pauseOverlay->hidden = true;
+  showPage(nullptr);
   isPausedManually = false;
   paused = false;
-  pauseButton->hidden = false;
   if (settingMusicEnabled) fadeMusic(settingMusicVolume, kRunMusicFade);
 
   score = 0;
@@ -90,12 +93,7 @@ void GameScene::endRun() {
 
 void GameScene::showGameOver() {
   gameState = GameState::gameOver;
-  dimBackground->hidden = false;
-  menuOverlay->hidden = true;
-  settingsOverlay->hidden = true;
-  gameOverOverlay->hidden = false;
-  pauseOverlay->hidden = true;
-  pauseButton->hidden = true;
+  showPage(gameOverOverlay.get());
   updateGameOverOverlay();
   updateLayout();
   unhideCursor();
@@ -108,14 +106,9 @@ void GameScene::showMenu() {
   playerVelocityY = 0;
   isDucking = false;
   dropLiveObstacles();
-  dimBackground->hidden = false;
-  menuOverlay->hidden = false;
-  settingsOverlay->hidden = true;
-  gameOverOverlay->hidden = true;
-  pauseOverlay->hidden = true;
+  showPage(menuOverlay.get());
   isPausedManually = false;
   paused = false;
-  pauseButton->hidden = true;
   // Off whatever the setting says: the counters only show after a toggle on the settings page.
   if (View* v = view()) {
     v->showsFPS = false;
@@ -129,12 +122,7 @@ void GameScene::showMenu() {
 
 void GameScene::openSettings() {
   gameState = GameState::settings;
-  dimBackground->hidden = false;
-  menuOverlay->hidden = true;
-  settingsOverlay->hidden = false;
-  gameOverOverlay->hidden = true;
-  pauseOverlay->hidden = true;
-  pauseButton->hidden = true;
+  showPage(settingsOverlay.get());
   refreshSettingsTexts();
   updateLayout();
 }

@@ -1,5 +1,5 @@
-// Construction of the scene: every field gets its default in declaration order, whichever constructor
-// is used, so a scene restored from an archive starts exactly like a freshly made one.
+// Construction of the scene: whichever constructor is used, the scene starts the same, so a scene
+// restored from an archive starts exactly like a freshly made one.
 #include "scene/game_scene.hpp"
 
 namespace zb {
@@ -20,14 +20,14 @@ GameScene::GameScene() : Scene() { initializeFields(); }
 
 GameScene::GameScene(Size size) : Scene(size) { initializeFields(); }
 
+// Kept for restoring a saved scene: only the size is read, everything else starts fresh.
 GameScene::GameScene(const Coder& coder) : Scene(coder.size) { initializeFields(); }
 
 GameScene::~GameScene() = default;
 
+// The header gives every number its default; this builds the nodes and the tables.
 void GameScene::initializeFields() {
-  gameState = GameState::menu;
-
-  // The figure, its physics and the scenery.
+  // The figure and the scenery.
   playerContainer = plainNode();
   playerHead = ShapeNode::withCircleOfRadius(kHeadRadius);
   playerBody = emptyShape();
@@ -35,36 +35,11 @@ void GameScene::initializeFields() {
   playerArmRight = emptyShape();
   playerLegLeft = emptyShape();
   playerLegRight = emptyShape();
-  isDucking = false;
-  playerFootAltitude = 0;
-  playerVelocityY = 0;
-  gravity = kGravity;
-  jumpVelocity = kJumpVelocity;
-  playerWidth = kPlayerWidth;
-  playerHeightStanding = kPlayerHeightStanding;
-  playerHeightDucking = kPlayerHeightDucking;
-  runAnimationFrameIndex = 0;
-  runAnimationFrameCounter = 0;
-  groundHeightFromBottom = kGroundHeightFromBottom;
   groundLine = emptyShape();
   backgroundGroup = plainNode();
   cloudGroup = plainNode();
   starGroup = plainNode();
   buildingGroup = plainNode();
-
-  layoutScale = 1.0;
-  isPausedManually = false;
-  lastCollisionPoint.reset();
-
-  // Obstacles and score.
-  obstacleNodes.clear();
-  obstacleSpeed = kStartObstacleSpeed;
-  spawnTimerFrames = 0;
-  spawnIntervalMin = kStartSpawnIntervalMin;
-  spawnIntervalMax = kStartSpawnIntervalMax;
-  obstaclePool.clear();
-  score = 0;
-  highScore = 0;
 
   // The interface.
   scoreLabel = emptyLabel();
@@ -120,28 +95,23 @@ void GameScene::initializeFields() {
   resumeButton = emptyLabel();
   pauseMenuButton = emptyLabel();
 
-  // Palettes, settings, sound and jump timing.
-  lastPaletteChangeAtScore = 0;
-  paletteChangePoints = kPaletteChangePoints;
-  currentPaletteIndex = 0;
-  currentPrimaryColor = Color::black();
-  currentSecondaryColor = Color::darkGray();
-  settingShowFPS = false;
-  settingMusicEnabled = true;
-  settingMusicVolume = kDefaultMusicVolume;
-  backgroundMusicNode.reset();
+  // Palettes and sound.
   babyLaughResourceNames = {"baby-laugh-1", "baby-laugh-2", "baby-laugh-3", "baby-laugh-4"};
-  lastBabyLaughIndex = -1;
   vibrantPalettes = {
       {Color::rgba(0.98, 0.97, 0.90, 1.0), Color::rgba(0.20, 0.18, 0.19, 1.0), Color::rgba(0.55, 0.52, 0.49, 1.0)},
       {Color::rgba(0.92, 0.98, 1.00, 1.0), Color::rgba(0.10, 0.20, 0.45, 1.0), Color::rgba(0.40, 0.60, 0.85, 1.0)},
       {Color::rgba(0.99, 0.95, 0.97, 1.0), Color::rgba(0.45, 0.05, 0.35, 1.0), Color::rgba(0.75, 0.35, 0.65, 1.0)},
       {Color::rgba(0.94, 0.99, 0.95, 1.0), Color::rgba(0.08, 0.45, 0.18, 1.0), Color::rgba(0.30, 0.70, 0.45, 1.0)},
   };
-  coyoteTimeFrames = kJumpTimingFrames;
-  jumpBufferFrames = kJumpTimingFrames;
-  framesSinceLeftGround = kLongAirborneFrames;
-  bufferedJumpFramesRemaining = 0;
+}
+
+std::vector<ShapeNodePtr> GameScene::decorationsAt(double z) const {
+  std::vector<ShapeNodePtr> found;
+  for (const NodePtr& child : children()) {
+    auto shape = std::dynamic_pointer_cast<ShapeNode>(child);
+    if (shape && !dynamic_cast<const ObstacleNode*>(shape.get()) && shape->zPosition == z) found.push_back(shape);
+  }
+  return found;
 }
 
 const char* toString(GameScene::ObstacleType type) {

@@ -17,6 +17,7 @@
 #include "engine/resources.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
+#include "gameplay/runner_body.hpp"
 #include "settings/comfort_options.hpp"
 
 namespace zb {
@@ -57,7 +58,7 @@ class GameScene : public Scene {
   class ObstacleNode : public ShapeNode {
    public:
     ObstacleNode() = default;
-    explicit ObstacleNode(const Coder&) {}
+    explicit ObstacleNode(const Coder&) {}  // like the scene's: restoring from an archive starts fresh
     ObstacleType obstacleType = ObstacleType::boxSmall;
   };
   using ObstacleNodePtr = std::shared_ptr<ObstacleNode>;
@@ -89,6 +90,8 @@ class GameScene : public Scene {
   bool isDucking = false;
   double playerFootAltitude = 0;
   double playerVelocityY = 0;
+  // The five physics fields below are read by nothing: the step uses the constants, so the dump
+  // shows the tuning without a stray write being able to change how the figure moves.
   double gravity = kGravity;
   double jumpVelocity = kJumpVelocity;
   double playerWidth = kPlayerWidth;
@@ -100,10 +103,10 @@ class GameScene : public Scene {
   ShapeNodePtr groundLine;
   std::shared_ptr<Node> backgroundGroup;
   std::shared_ptr<Node> cloudGroup;
-  std::shared_ptr<Node> starGroup;
+  std::shared_ptr<Node> starGroup;  // never filled, only emptied: it keeps the node tree and counter as players know them
   std::shared_ptr<Node> buildingGroup;
   double layoutScale = 1.0;
-  bool isPausedManually = false;
+  bool isPausedManually = false;  // written, never read: only the player pauses, yet the dump reports it
   std::optional<Point> lastCollisionPoint;
   std::vector<ObstacleNodePtr> obstacleNodes;
   double obstacleSpeed = kStartObstacleSpeed;
@@ -221,6 +224,8 @@ class GameScene : public Scene {
   ShapeNodePtr cloudNode();
   ShapeNodePtr line(Point from, Point to);
   void maybeSpawnBird();
+  std::vector<ShapeNodePtr> birds() const;  // held by no field: found by their depth
+  std::vector<ShapeNodePtr> explosionDots() const;  // likewise
   void updatePaletteIfNeeded();
   void applyPalette(int64_t index);
   void setAllColors(Color primary, Color secondary);
@@ -239,6 +244,9 @@ class GameScene : public Scene {
   const ComfortOptions& comfortOptions() const { return comfort_; }
 
   // ---- Interface (ui/) ---------------------------------------------------------------------------
+  // The pause page's restart button is held by no field, only by its name.
+  static constexpr const char* kRestartButtonName = "btn_pause_restart";
+  LabelNodePtr restartButton() const;
   void setupUI();
   LabelNodePtr buttonLabel(const std::string& text, const std::string& name);
   void updateScoreLabels();
@@ -254,14 +262,19 @@ class GameScene : public Scene {
 
  private:
   void initializeFields();
+  // Plain shapes (no obstacles) directly in the scene at depth z: decoration no field holds.
+  std::vector<ShapeNodePtr> decorationsAt(double z) const;  // scene/game_scene.cpp
 
   // ---- Private helpers (scene/, gameplay/) -------------------------------------------------------
   void registerForFullScreenNotifications(View& view);  // scene/lifecycle.cpp
   void hideCursorUntilMouseMoves();                      // scene/game_flow.cpp
   void unhideCursor();                                   // scene/game_flow.cpp
+  // One page over the dimmed run without the pause button, or with none the bare run.
+  void showPage(Node* page);                             // scene/game_flow.cpp
   void playJumpSound();                                  // scene/input.cpp
   void playClickSound();                                 // scene/input.cpp
   std::string buttonNameAt(Point pointInUILayer) const;  // scene/input.cpp
+  RunnerBody runnerBody() const;                         // gameplay/player_physics.cpp
   bool isPlayerGrounded() const;                         // gameplay/player_physics.cpp
   double currentPlayerHeight() const;                    // gameplay/player_physics.cpp
   void advanceRunCycle();                                // gameplay/player_physics.cpp

@@ -42,7 +42,7 @@ constexpr ButtonRoute kButtonRoutes[] = {
     {"btn_music", &GameScene::toggleMusic, true},
     {"btn_vol_down", &GameScene::volumeDown, true},
     {"btn_vol_up", &GameScene::volumeUp, true},
-    {"btn_pause_restart", &GameScene::startGame, false},
+    {GameScene::kRestartButtonName, &GameScene::startGame, false},
     {"btn_fps", &GameScene::toggleShowFPS, false},
 };
 
@@ -156,6 +156,7 @@ void GameScene::volumeUp() {
 
 void GameScene::toggleShowFPS() {
   settingShowFPS = !settingShowFPS;
+  // The only save: music and volume changes reach the store when the counters are toggled next.
   saveSettings();
   refreshSettingsTexts();
   if (View* v = view()) {

@@ -33,6 +33,8 @@ ShapeNodePtr birdShape(Color color) {
 
 }  // namespace
 
+std::vector<ShapeNodePtr> GameScene::birds() const { return decorationsAt(kBirdZ); }
+
 void GameScene::maybeSpawnBird() {
   if (gameState != GameState::playing) return;
   if (random().uniformInt(0, kBirdChanceOutOf - 1) != 0) return;

@@ -38,4 +38,6 @@ void GameScene::spawnExplosionEffect() {
   }
 }
 
+std::vector<ShapeNodePtr> GameScene::explosionDots() const { return decorationsAt(kDotZ); }
+
 }  // namespace zb

@@ -5,6 +5,7 @@
 
 namespace zb {
 
+// Read, never written by the game: a best score in the store comes from elsewhere and only shows.
 int64_t GameScene::storedHighScore() { return services().preferences->integerForKey(kHighScoreKey); }
 
 void GameScene::loadSettings() {

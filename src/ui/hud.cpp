@@ -10,7 +10,6 @@ namespace zb {
 namespace {
 
 constexpr const char* kFontName = "Menlo";
-constexpr double kButtonFontSize = 18;
 constexpr double kDimAlpha = 0.35;
 constexpr int kTauntMaxLines = 2;
 constexpr double kTauntWrapFraction = 0.8;  // of the scene width when the tree is built
@@ -24,9 +23,9 @@ constexpr double kSettingsZ = 110;
 constexpr double kGameOverZ = 120;
 constexpr double kPauseZ = 125;
 
-void style(LabelNode& label, const std::string& text, double fontSize, Color color) {
+// Sizes and positions come from the layout alone.
+void style(LabelNode& label, const std::string& text, Color color) {
   label.setText(text);
-  label.setFontSize(fontSize);
   label.fontColor = color;
   label.horizontalAlignment = HorizontalAlignment::center;
 }
@@ -37,80 +36,81 @@ void addPage(Node& parent, Node& page, double z, bool hidden) {
   parent.addChild(page.shared_from_this());
 }
 
+// A button is a label with a name the clicks are routed by.
+void makeButton(LabelNode& button, const std::string& text, const std::string& name) {
+  style(button, text, Color::black());
+  button.name = name;
+}
+
 }  // namespace
 
 LabelNodePtr GameScene::buttonLabel(const std::string& text, const std::string& name) {
   auto button = std::make_shared<LabelNode>(kFontName);
-  style(*button, text, kButtonFontSize, Color::black());
-  button->name = name;
+  makeButton(*button, text, name);
   return button;
 }
 
 void GameScene::setupUI() {
   const Size sceneSize = size();
 
-  scoreLabel->setFontSize(18);
   scoreLabel->fontColor = Color::black();
   scoreLabel->horizontalAlignment = HorizontalAlignment::left;
   scoreLabel->zPosition = kHudLabelZ;
-  highScoreLabel->setFontSize(14);
   highScoreLabel->fontColor = Color::darkGray();
   highScoreLabel->horizontalAlignment = HorizontalAlignment::left;
   highScoreLabel->zPosition = kHudLabelZ;
   uiLayer->addChild(scoreLabel);
   uiLayer->addChild(highScoreLabel);
 
-  dimBackground = ShapeNode::withRectOfSize(sceneSize);
   dimBackground->fillColor = Color::black().withAlpha(kDimAlpha);
   dimBackground->strokeColor = Color::clear();
   dimBackground->zPosition = kDimZ;
   dimBackground->hidden = true;
   uiLayer->addChild(dimBackground);
 
-  style(*fullscreenButton, "Full Screen", 14, Color::black());
+  style(*fullscreenButton, "Full Screen", Color::black());
   fullscreenButton->name = "btn_fullscreen";
   fullscreenButton->horizontalAlignment = HorizontalAlignment::right;
   fullscreenButton->zPosition = kHudButtonZ;
   uiLayer->addChild(fullscreenButton);
   updateFullscreenButtonTitle();
 
-  pauseButton = buttonLabel("Pause", "btn_pause");
+  makeButton(*pauseButton, "Pause", "btn_pause");
   pauseButton->horizontalAlignment = HorizontalAlignment::right;
   pauseButton->zPosition = kHudButtonZ;
   uiLayer->addChild(pauseButton);
 
   addPage(*uiLayer, *menuOverlay, kMenuZ, false);
-  style(*titleLabel, "Zindlebop", 32, Color::black());
-  style(*subtitleLabel, "Run, jump, survive", 16, Color::darkGray());
-  startButton = buttonLabel("Start", "btn_start");
-  settingsButton = buttonLabel("Settings", "btn_settings");
+  style(*titleLabel, "Zindlebop", Color::black());
+  style(*subtitleLabel, "Run, jump, survive", Color::darkGray());
+  makeButton(*startButton, "Start", "btn_start");
+  makeButton(*settingsButton, "Settings", "btn_settings");
   for (const LabelNodePtr& label : {titleLabel, subtitleLabel, startButton, settingsButton}) {
     menuOverlay->addChild(label);
   }
 
   addPage(*uiLayer, *settingsOverlay, kSettingsZ, true);
-  style(*settingsTitle, "Settings", 26, Color::black());
-  toggleFPSLabel = buttonLabel("Show FPS: Off", "btn_fps");
-  musicToggleLabel = buttonLabel("Music: On", "btn_music");
+  style(*settingsTitle, "Settings", Color::black());
+  makeButton(*toggleFPSLabel, "Show FPS: Off", "btn_fps");
+  makeButton(*musicToggleLabel, "Music: On", "btn_music");
   // The read-out is named, but without the button prefix, so a click on it does nothing.
-  volumeLabel = std::make_shared<LabelNode>(kFontName);
-  style(*volumeLabel, "Volume: 60%", 18, Color::black());
+  style(*volumeLabel, "Volume: 60%", Color::black());
   volumeLabel->name = "lbl_volume";
-  volDownButton = buttonLabel("-", "btn_vol_down");
-  volUpButton = buttonLabel("+", "btn_vol_up");
-  settingsBackButton = buttonLabel("Back", "btn_back");
+  makeButton(*volDownButton, "-", "btn_vol_down");
+  makeButton(*volUpButton, "+", "btn_vol_up");
+  makeButton(*settingsBackButton, "Back", "btn_back");
   for (const LabelNodePtr& label : {settingsTitle, toggleFPSLabel, musicToggleLabel, volumeLabel, volDownButton,
                                     volUpButton, settingsBackButton}) {
     settingsOverlay->addChild(label);
   }
 
   addPage(*uiLayer, *gameOverOverlay, kGameOverZ, true);
-  style(*goTitle, "Game Over", 28, Color::black());
-  style(*goScore, "", 18, Color::black());
-  style(*goHigh, "", 16, Color::darkGray());
-  retryButton = buttonLabel("Retry", "btn_retry");
-  menuButton = buttonLabel("Main Menu", "btn_menu");
-  style(*tauntLabel, "", 16, Color::darkGray());
+  style(*goTitle, "Game Over", Color::black());
+  style(*goScore, "", Color::black());
+  style(*goHigh, "", Color::darkGray());
+  makeButton(*retryButton, "Retry", "btn_retry");
+  makeButton(*menuButton, "Main Menu", "btn_menu");
+  style(*tauntLabel, "", Color::darkGray());
   tauntLabel->setNumberOfLines(kTauntMaxLines);
   // Set once from the width at start-up and kept through resizes.
   tauntLabel->setPreferredMaxLayoutWidth(sceneSize.width * kTauntWrapFraction);
@@ -121,15 +121,19 @@ void GameScene::setupUI() {
   addPage(*uiLayer, *pauseOverlay, kPauseZ, true);
   // The title keeps the default label colour, so the pause page reads the same under every palette.
   pauseTitle->setText("Paused");
-  pauseTitle->setFontSize(28);
   pauseTitle->horizontalAlignment = HorizontalAlignment::center;
-  resumeButton = buttonLabel("Resume", "btn_resume");
-  // Held by no field: the layout finds it again by its name.
-  LabelNodePtr restartButton = buttonLabel("Restart", "btn_pause_restart");
-  pauseMenuButton = buttonLabel("Main Menu", "btn_pause_menu");
-  for (const LabelNodePtr& label : {pauseTitle, resumeButton, restartButton, pauseMenuButton}) {
+  makeButton(*resumeButton, "Resume", "btn_resume");
+  // Held by no field: restartButton() finds it again by its name.
+  LabelNodePtr restart = buttonLabel("Restart", kRestartButtonName);
+  makeButton(*pauseMenuButton, "Main Menu", "btn_pause_menu");
+  for (const LabelNodePtr& label : {pauseTitle, resumeButton, restart, pauseMenuButton}) {
     pauseOverlay->addChild(label);
   }
+}
+
+LabelNodePtr GameScene::restartButton() const {
+  // A missing or foreign node is no button.
+  return pauseOverlay ? std::dynamic_pointer_cast<LabelNode>(pauseOverlay->childNamed(kRestartButtonName)) : nullptr;
 }
 
 void GameScene::updateScoreLabels() {

@@ -1,5 +1,6 @@
 // Places every interface node for the current scene size. One factor, layoutScale, scales every
 // font size and margin; each page is a centred column hanging below an anchor height.
+#include <initializer_list>
 #include <memory>
 
 #include "engine/path.hpp"
@@ -24,6 +25,24 @@ constexpr double kVolumeButtonOffset = 60;  // "-" and "+" sit this far either s
 void place(LabelNode& label, Point position, double fontSize) {
   label.position = position;
   label.setFontSize(fontSize);
+}
+
+// A row of a page, in design points at scale 1: its offset from the column's anchor and its font size.
+struct Row {
+  LabelNode* label;
+  double dx;
+  double dy;  // below the anchor
+  double fontSize;
+};
+
+// A row on the anchor stays exactly there, whatever the scale (even a degenerate one).
+double shifted(double base, double by, double s) { return by == 0 ? base : base + by * s; }
+
+// A page's rows, centred on `cx` and hanging below the anchor height, scaled by `s`.
+void placeColumn(double cx, double anchor, double s, std::initializer_list<Row> rows) {
+  for (const Row& row : rows) {
+    if (row.label) place(*row.label, {shifted(cx, row.dx, s), shifted(anchor, -row.dy, s)}, row.fontSize * s);
+  }
 }
 
 }  // namespace
@@ -55,23 +74,23 @@ void GameScene::layoutMenu() {
   const double s = layoutScale;
   const double cx = size().width / 2;
   const double y0 = size().height * kMenuAnchor;
-  place(*titleLabel, {cx, y0}, 32 * s);
-  place(*subtitleLabel, {cx, y0 - 28 * s}, 16 * s);
-  place(*startButton, {cx, y0 - 80 * s}, 20 * s);
-  place(*settingsButton, {cx, y0 - 116 * s}, 18 * s);
+  placeColumn(cx, y0, s, {{titleLabel.get(), 0, 0, 32},
+                          {subtitleLabel.get(), 0, 28, 16},
+                          {startButton.get(), 0, 80, 20},
+                          {settingsButton.get(), 0, 116, 18}});
 }
 
 void GameScene::layoutSettings() {
   const double s = layoutScale;
   const double cx = size().width / 2;
   const double y0 = size().height * kSettingsAnchor;
-  place(*settingsTitle, {cx, y0}, 26 * s);
-  place(*toggleFPSLabel, {cx, y0 - 58 * s}, 18 * s);
-  place(*musicToggleLabel, {cx, y0 - 92 * s}, 18 * s);
-  place(*volumeLabel, {cx, y0 - 126 * s}, 18 * s);
-  place(*volDownButton, {cx - kVolumeButtonOffset * s, y0 - 160 * s}, 22 * s);
-  place(*volUpButton, {cx + kVolumeButtonOffset * s, y0 - 160 * s}, 22 * s);
-  place(*settingsBackButton, {cx, y0 - 200 * s}, 18 * s);
+  placeColumn(cx, y0, s, {{settingsTitle.get(), 0, 0, 26},
+                          {toggleFPSLabel.get(), 0, 58, 18},
+                          {musicToggleLabel.get(), 0, 92, 18},
+                          {volumeLabel.get(), 0, 126, 18},
+                          {volDownButton.get(), -kVolumeButtonOffset, 160, 22},
+                          {volUpButton.get(), kVolumeButtonOffset, 160, 22},
+                          {settingsBackButton.get(), 0, 200, 18}});
 }
 
 // Lays out the game-over page and, below it in this function, the pause page.
@@ -79,21 +98,20 @@ void GameScene::layoutGameOver() {
   const double s = layoutScale;
   const double cx = size().width / 2;
   const double y0 = size().height * kGameOverAnchor;
-  place(*goTitle, {cx, y0}, 28 * s);
-  place(*goScore, {cx, y0 - 36 * s}, 18 * s);
-  place(*goHigh, {cx, y0 - 60 * s}, 16 * s);
-  place(*tauntLabel, {cx, y0 - 88 * s}, 16 * s);
-  place(*retryButton, {cx, y0 - 122 * s}, 20 * s);
-  place(*menuButton, {cx, y0 - 156 * s}, 18 * s);
+  placeColumn(cx, y0, s, {{goTitle.get(), 0, 0, 28},
+                          {goScore.get(), 0, 36, 18},
+                          {goHigh.get(), 0, 60, 16},
+                          {tauntLabel.get(), 0, 88, 16},
+                          {retryButton.get(), 0, 122, 20},
+                          {menuButton.get(), 0, 156, 18}});
 
   const double y1 = size().height * kPauseAnchor;
-  place(*pauseTitle, {cx, y1}, 28 * s);
-  place(*resumeButton, {cx, y1 - 44 * s}, 20 * s);
-  // The restart button is kept by the page alone; a missing or foreign node skips its row.
-  if (auto restart = std::dynamic_pointer_cast<LabelNode>(pauseOverlay->childNamed("btn_pause_restart"))) {
-    place(*restart, {cx, y1 - 78 * s}, 18 * s);
-  }
-  place(*pauseMenuButton, {cx, y1 - 112 * s}, 18 * s);
+  // A missing or foreign restart button skips its row.
+  const LabelNodePtr restart = restartButton();
+  placeColumn(cx, y1, s, {{pauseTitle.get(), 0, 0, 28},
+                          {resumeButton.get(), 0, 44, 20},
+                          {restart.get(), 0, 78, 18},
+                          {pauseMenuButton.get(), 0, 112, 18}});
 }
 
 }  // namespace zb

@@ -29,8 +29,12 @@ TEST(CommandLine, ReadsEveryOption) {
   EXPECT_EQ(options({"--help"}).action, Action::help);
   EXPECT_EQ(options({"-h"}).action, Action::help);
   EXPECT_EQ(options({"--version"}).action, Action::version);
-  // Everything after --headless belongs to the headless driver, even options unknown here.
-  EXPECT_EQ(options({"--bogus", "--headless", "--script", "x.txt"}).action, Action::headless);
+  // The headless driver's options, in either spelling, wherever --headless stands.
+  const CommandLineOptions h = options({"--script=x.txt", "--headless", "--fallback", "none", "--size=320x200"});
+  EXPECT_EQ(h.action, Action::headless);
+  EXPECT_EQ(h.scriptFile, "x.txt");
+  EXPECT_EQ(h.fallbackFolder, "");
+  EXPECT_EQ(h.size, (Size{320, 200}));
 }
 
 TEST(CommandLine, RejectsBadValuesAndUnknownOptionsNamingTheProblem) {
@@ -44,6 +48,9 @@ TEST(CommandLine, RejectsBadValuesAndUnknownOptionsNamingTheProblem) {
       {{"--size"}, "missing value for --size"},
       {{"--fullscreen", "--bogus"}, "unknown option '--bogus'"},
       {{"game.txt"}, "unknown option 'game.txt'"},
+      {{"--script", "x.txt"}, "--script needs --headless"},
+      {{"--headless", "--frames", "3"}, "--frames is only for the window"},
+      {{"--headless", "--size", "800.5x600"}, "--size"},
   };
   for (const auto& [words, message] : cases) {
     SCOPED_TRACE(testing::PrintToString(words));

@@ -15,16 +15,5 @@ TEST(StartupReport, ProcessStartLiesShortlyInThePast) {
   EXPECT_LT(*ms, 24 * 60 * 60 * 1000.0);
 }
 
-TEST(StartupReport, RequestedOnlyByTheValueOne) {
-  for (const char* value : {"0", "", "yes", "10"}) {
-    ::setenv(kReportFirstFrameVariable, value, 1);
-    EXPECT_FALSE(firstFrameReportRequested()) << value;
-  }
-  ::setenv(kReportFirstFrameVariable, "1", 1);
-  EXPECT_TRUE(firstFrameReportRequested());
-  ::unsetenv(kReportFirstFrameVariable);
-  EXPECT_FALSE(firstFrameReportRequested());
-}
-
 }  // namespace
 }  // namespace zb

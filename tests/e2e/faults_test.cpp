@@ -1,13 +1,11 @@
-// The real binary on a broken machine: no audio device, missing sounds, damaged or unwritable
-// preferences, and a view squeezed to nothing in every state. The game must play on, silently.
+// The real binary on a broken machine: no audio device, damaged or unwritable preferences, and a
+// view squeezed to nothing in every state. The game must play on, silently.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
-#include <regex>
 
 #include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
@@ -17,8 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kSounds = fs::path(ZB_SOURCE_DIR) / "assets" / "sounds";
-constexpr uid_t kNobody = 65534;
 constexpr double kDefaultVolume = 0.6f;
 
 std::vector<std::string> headless(std::vector<std::string> options) {
@@ -54,55 +50,6 @@ TEST(Faults, WithoutAnAudioDeviceTheWindowedGamePlaysOnSilently) {
   EXPECT_EQ(run.err.find("zindlebop:"), std::string::npos) << run.err;
 }
 
-// A run with jumps, a crash, the game-over page and the next run.
-std::string playedRun() {
-  std::string script = "key down space\nkey up space\n";
-  for (int jump = 0; jump < 10; ++jump) script += "step 45\nkey down space\nkey up space\ndump\n";
-  return script + "step 400\ndump\nkey down space\nstep 60\ndump\n";
-}
-
-// The dump without what depends on the sound files: the sounds, the music and the music's node.
-std::string withoutSound(const std::string& dump) {
-  static const std::regex sound(R"("sounds":\[[^\]]*\]|"music":(null|\{[^}]*\})|"nodeCount":\d+)");
-  return std::regex_replace(dump, sound, "");
-}
-
-TEST(Faults, MissingSoundFilesAreSkippedAndChangeNothingElse) {
-  BinaryRun full = runBinary(headless({"--resources", kSounds.string(), "--fallback", "none"}), playedRun());
-  ASSERT_EQ(full.status, 0) << full.err;
-  const std::vector<Json> fullDumps = dumpsOf(full);
-  ASSERT_EQ(fullDumps[10]["gameState"].text, "gameOver");
-  EXPECT_FALSE(fullDumps[10]["music"].isNull());
-  std::string crashSounds;
-  for (const Json& sound : fullDumps[10]["sounds"].items) crashSounds += sound.text + " ";
-  EXPECT_NE(crashSounds.find("explosion baby-laugh-"), std::string::npos) << crashSounds;
-
-  struct Folder {
-    const char* name;
-    std::vector<std::string> files;
-  };
-  for (const Folder& each : {Folder{"empty", {}}, Folder{"only-jump", {"jump"}}}) {
-    SCOPED_TRACE(each.name);
-    TempFolder folder(std::string("zb-fault-sounds-") + each.name);
-    for (const std::string& name : each.files) fs::copy_file(kSounds / (name + ".mp3"), folder.path() / (name + ".mp3"));
-    BinaryRun run = runBinary(headless({"--resources", folder.path().string(), "--fallback", "none"}), playedRun());
-    ASSERT_EQ(run.status, 0) << run.err;
-    const std::vector<Json> dumps = dumpsOf(run);
-    ASSERT_EQ(dumps.size(), fullDumps.size());
-    for (size_t i = 0; i < dumps.size(); ++i) {
-      std::vector<std::string> expected;
-      for (const Json& sound : fullDumps[i]["sounds"].items) {
-        if (fs::exists(folder.path() / (sound.text + ".mp3"))) expected.push_back(sound.text);
-      }
-      std::vector<std::string> heard;
-      for (const Json& sound : dumps[i]["sounds"].items) heard.push_back(sound.text);
-      EXPECT_EQ(heard, expected) << "dump " << i;
-      EXPECT_TRUE(dumps[i]["music"].isNull()) << "dump " << i;
-    }
-    EXPECT_EQ(withoutSound(run.out), withoutSound(full.out));
-  }
-}
-
 // What the game read from the store: music volume, music on, frame-rate counter on.
 struct Settings {
   double volume = kDefaultVolume;
@@ -123,8 +70,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
   const std::string good = "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingMusicEnabled=bool:false\n";
   std::string garbage;
   for (int i = 0; i < 4096; ++i) garbage += static_cast<char>((i * 37) & 0xFF);
-  std::string enormous = good;
-  while (enormous.size() < (3u << 20)) enormous += "# " + std::string(1000, 'x') + "\n";
 
   struct Case {
     const char* name;
@@ -136,7 +81,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
       {"empty", [](const fs::path& file) { writeBytes(file, ""); }, {}},
       {"truncated", [&](const fs::path& file) { writeBytes(file, good + "quorra_settingShowFPS=bo"); },
        {0.25, false, false}},
-      {"cut in its header", [](const fs::path& file) { writeBytes(file, "[prefer"); }, {}},
       {"binary garbage", [&](const fs::path& file) { writeBytes(file, garbage); }, {}},
       {"a directory", [](const fs::path& file) { fs::create_directories(file / "inside"); }, {}},
       {"values of another type",
@@ -151,7 +95,6 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
                           "quorra_settingShowFPS=bool:1\n");
        },
        {}},
-      {"enormous", [&](const fs::path& file) { writeBytes(file, enormous); }, {}},
   };
   for (const Case& each : cases) {
     SCOPED_TRACE(each.name);
@@ -180,25 +123,16 @@ TEST(Faults, DamagedPreferencesGiveTheDefaultsOrWhatCanBeReadAndTheNextWriteKeep
   }
 }
 
-// Root writes anywhere, so as root the game runs as the unprivileged "nobody".
+// A full disk, for root as well: with the file-size limit at zero every write fails (SIGXFSZ is
+// ignored, so the write returns an error instead of killing the game), while the file stays readable.
 TEST(Faults, AFailedWriteLeavesAGoodFileAsItWas) {
-  std::vector<std::string> asPlayer;
-  if (::geteuid() == 0) {
-    if (!hasProgram("setpriv")) GTEST_SKIP() << "running as root without setpriv";
-    asPlayer = {"/usr/bin/env", "setpriv", "--reuid=" + std::to_string(kNobody), "--regid=" + std::to_string(kNobody),
-                "--clear-groups"};
-  }
-  TempFolder folder("zb-fault-readonly");
-  const fs::path file = folder.path() / "locked" / "prefs.ini";
+  TempFolder folder("zb-fault-full");
+  const fs::path file = folder.path() / "prefs.ini";
   writeBytes(file, "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingShowFPS=bool:false\n");
   const std::string before = readBytes(file);
-  fs::permissions(file.parent_path(), fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write,
-                  fs::perm_options::remove);
-
   std::vector<std::string> arguments = headless({"--prefs", file.string(), "--fallback", "none"});
-  arguments.insert(arguments.begin(), asPlayer.begin(), asPlayer.end());
+  arguments.insert(arguments.begin(), {"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh"});
   BinaryRun run = runBinary(arguments, kToggleFPS);
-  fs::permissions(file.parent_path(), fs::perms::owner_all, fs::perm_options::add);
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<Json> dumps = dumpsOf(run);
   ASSERT_EQ(dumps.size(), 2u);

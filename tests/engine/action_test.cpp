@@ -66,17 +66,6 @@ TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
   EXPECT_FALSE(stage.node->hasActions());
 }
 
-TEST(ActionTimingTest, RepeatForeverKeepsGoing) {
-  Stage stage;
-  stage.node->runAction(actions::repeatForever(
-      actions::sequence({actions::rotateBy(0.22, 0.15), actions::rotateBy(-0.22, 0.15)})));
-  stage.frames(9);
-  EXPECT_NEAR(stage.node->zRotation, 0.22, 1e-9);
-  stage.frames(18 * 100 + 9);
-  EXPECT_NEAR(stage.node->zRotation, 0, 1e-9);
-  EXPECT_TRUE(stage.node->hasActions());
-}
-
 TEST(ActionTreeTest, ActionsStopWhileTheNodeIsOutOfTheScene) {
   Stage stage;
   stage.node->runAction(actions::moveBy(60, 0, 1));

@@ -10,17 +10,6 @@
 namespace zb {
 namespace {
 
-TEST(RandomTest, SameSeedSameSequence) {
-  Random a(42), b(42), c(43);
-  bool differs = false;
-  for (int i = 0; i < 100; ++i) {
-    const int64_t x = a.uniformInt(0, 1000000);
-    EXPECT_EQ(x, b.uniformInt(0, 1000000));
-    differs = differs || x != c.uniformInt(0, 1000000);
-  }
-  EXPECT_TRUE(differs);
-}
-
 TEST(RandomTest, RangesAreClosedAtBothEnds) {
   Random r(1);
   std::set<int64_t> ints;

@@ -1,4 +1,5 @@
 #include "platform/key_mapping.hpp"
+#include "engine/key_names.hpp"
 
 #include <SDL_keycode.h>
 #include <gtest/gtest.h>

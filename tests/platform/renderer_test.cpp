@@ -29,6 +29,16 @@ class Canvas {
     surface_ = cairo_image_surface_create_from_png(file.c_str());
     std::filesystem::remove(file);
   }
+  // Drawn straight into memory at a device scale, as on a HiDPI window.
+  Canvas(int scale, const View& view) {
+    const Size size = view.size();
+    surface_ = cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(size.width) * scale,
+                                          static_cast<int>(size.height) * scale);
+    cairo_t* cr = cairo_create(surface_);
+    Renderer().draw(cr, view, scale, 0);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface_);
+  }
   ~Canvas() { cairo_surface_destroy(surface_); }
   int width() const { return cairo_image_surface_get_width(surface_); }
   int height() const { return cairo_image_surface_get_height(surface_); }
@@ -143,22 +153,77 @@ TEST(Renderer, PlacesNodesWithYUpPositionRotationAndScale) {
   EXPECT_EQ(canvas.at(17, 65), kWhitePixel);
 }
 
-TEST(Renderer, LabelDrawsDarkPixelsOnlyInsideItsMeasuredFrame) {
-  View view({160, 80});
+ShapeNodePtr stroke(Point from, Point to, double width, LineCap cap) {
+  auto line = ShapeNode::withPath(Path::line(from, to));
+  line->strokeColor = kBlue;
+  line->fillColor = Color::clear();
+  line->lineWidth = width;
+  line->lineCap = cap;
+  return line;
+}
+
+TEST(Renderer, StrokesCapsTranslucentFillsAndLabelColours) {
+  View view({200, 80});
   auto scene = whiteScene(view);
+  scene->addChild(stroke({20, 60}, {60, 60}, 6, LineCap::butt));
+  scene->addChild(stroke({20, 40}, {60, 40}, 6, LineCap::round));
+  scene->addChild(stroke({20, 20}, {60, 20}, 6, LineCap::square));
+  scene->addChild(square({100, 40}, 20, kRed.withAlpha(0.5)));
   auto label = std::make_shared<LabelNode>();
-  label->setText("HWH");
-  label->setFontSize(24);
-  label->fontColor = Color::black();
-  label->position = {80, 30};
+  label->setText("MMM");
+  label->setFontSize(30);
+  label->fontColor = kRed;
+  label->position = {160, 30};
   scene->addChild(label);
 
   Canvas canvas(view);
+  for (int y : {20, 40, 60}) {
+    EXPECT_EQ(canvas.at(40, y), kBluePixel) << "the stroke at " << y;
+    EXPECT_EQ(canvas.at(40, y + 5), kWhitePixel) << "a 6-point stroke is 6 points thick";
+  }
+  // Past the end point: nothing for a butt cap, half the width for the others, square only at a corner.
+  EXPECT_EQ(canvas.at(61, 60), kWhitePixel);
+  EXPECT_EQ(canvas.at(61, 40), kBluePixel);
+  EXPECT_EQ(canvas.at(61, 20), kBluePixel);
+  EXPECT_GT(canvas.at(62, 42)[0], 230) << "a round cap has no corners";
+  EXPECT_EQ(canvas.at(62, 22), kBluePixel);
+  const Rgb pink = canvas.at(100, 40);
+  EXPECT_EQ(pink[0], 255);
+  EXPECT_NEAR(pink[1], 128, 2) << "half-transparent red over white";
+  int red = 0, other = 0;
+  for (int y = 20; y < 60; ++y) {
+    for (int x = 120; x < 200; ++x) {
+      const Rgb p = canvas.at(x, y);
+      if (p == kRedPixel) ++red;
+      if (p[1] < 200 && p[0] < 200) ++other;  // dark or bluish: not the label's colour
+    }
+  }
+  EXPECT_GT(red, 30) << "the text is drawn in its colour";
+  EXPECT_EQ(other, 0);
+}
+
+TEST(Renderer, AtScaleTwoEveryPointIsTwoPixelsAndTextDrawsOnlyInItsMeasuredFrame) {
+  View view({100, 80});
+  auto scene = whiteScene(view);
+  scene->addChild(square({25, 40}, 20, kRed));
+  auto label = std::make_shared<LabelNode>();
+  label->setText("HWH");
+  label->setFontSize(16);
+  label->fontColor = Color::black();
+  label->position = {70, 30};
+  scene->addChild(label);
+
+  const Canvas canvas(2, view);
+  ASSERT_EQ(canvas.width(), 200);
+  EXPECT_EQ(canvas.at(31, 80), kRedPixel);
+  EXPECT_EQ(canvas.at(69, 80), kRedPixel);
+  EXPECT_EQ(canvas.at(29, 80), kWhitePixel);
+  EXPECT_EQ(canvas.at(71, 80), kWhitePixel);
   const Rect frame = label->frame().insetBy(-1, -1);
-  const auto edge = [](double v) { return static_cast<int>(std::lround(v)); };
+  const auto edge = [](double v) { return static_cast<int>(std::lround(2 * v)); };
   const int inside = canvas.darkPixels(edge(frame.minX()), edge(frame.minY()), edge(frame.maxX()), edge(frame.maxY()));
-  EXPECT_GT(inside, 50);
-  EXPECT_EQ(canvas.darkPixels(0, 0, canvas.width(), canvas.height()), inside);
+  EXPECT_GT(inside, 100);
+  EXPECT_EQ(canvas.darkPixels(100, 0, 200, 160), inside);
 }
 
 TEST(Renderer, CountersShowInTheLowerRightCornerOnlyWhenAskedFor) {

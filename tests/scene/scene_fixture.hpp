@@ -116,8 +116,7 @@ class AttachedScene {
   // The middle of the node's frame, in scene coordinates.
   Point centreOf(const Node& node) const { return node.parent()->convertPointTo(node.frame().center(), *scene); }
   void clickOn(const Node& node) { click(centreOf(node)); }
-  // The pause page's restart button has no field; it is found by name.
-  Node& restartButton() const { return *scene->pauseOverlay->childNamed("btn_pause_restart"); }
+  Node& restartButton() const { return *scene->restartButton(); }
 
   // Steps until the state changes away from `playing` or the frame budget runs out.
   void runUntilCrash(int maxFrames = 5000) {

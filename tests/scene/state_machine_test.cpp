@@ -136,9 +136,7 @@ TEST(StateMachine, DuckAndFullScreenActEverywhereAndOtherKeysAndClicksOnNothingD
     game.release(keycode::downArrow);
     EXPECT_FALSE(game->isDucking);
     game.press(keycode::returnKey, kOptionModifierFlag);
-    EXPECT_EQ(game->fullscreenButton->text(), "Exit Full Screen");
     game.press(keycode::keypadEnter, kOptionModifierFlag | (1u << 17));  // Shift held as well
-    EXPECT_EQ(game->fullscreenButton->text(), "Full Screen");
     game.press(keycode::keypadEnter, 1u << 18);  // Control is not Option
     game.clickOn(*game->fullscreenButton);
     EXPECT_EQ(game.view->testWindow.toggles, 3);

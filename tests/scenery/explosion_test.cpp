@@ -10,14 +10,6 @@
 namespace zb {
 namespace {
 
-std::vector<ShapeNode*> dotsIn(const GameScene& scene) {
-  std::vector<ShapeNode*> dots;
-  for (const NodePtr& child : scene.children()) {
-    if (child->zPosition == 50) dots.push_back(dynamic_cast<ShapeNode*>(child.get()));
-  }
-  return dots;
-}
-
 TEST(Explosion, EighteenDotsFlyOutInARingInTheCrashColourAndAreGoneAfter065Seconds) {
   test::AttachedScene s;
   const Point impact{300, 120};
@@ -25,10 +17,10 @@ TEST(Explosion, EighteenDotsFlyOutInARingInTheCrashColourAndAreGoneAfter065Secon
   s->lastCollisionPoint = impact;
   s->spawnExplosionEffect();
   s->applyPalette(1);
-  const auto dots = dotsIn(*s);
+  const auto dots = s->explosionDots();
   ASSERT_EQ(dots.size(), 18u);
   s.step(30);  // 0.5 s: the moves are over, the fades are under way
-  ASSERT_EQ(dotsIn(*s).size(), 18u);
+  ASSERT_EQ(s->explosionDots().size(), 18u);
   for (size_t i = 0; i < 18; ++i) {
     const double angle = static_cast<double>(i) / 18 * 2 * std::numbers::pi;
     EXPECT_NEAR(dots[i]->position.x, impact.x + 120 * std::cos(angle), 1e-9) << "dot " << i;
@@ -37,7 +29,7 @@ TEST(Explosion, EighteenDotsFlyOutInARingInTheCrashColourAndAreGoneAfter065Secon
     EXPECT_EQ(dots[i]->fillColor, atCrash) << "a palette change leaves the dots alone";
   }
   s.step(10);  // past 0.65 s
-  EXPECT_TRUE(dotsIn(*s).empty());
+  EXPECT_TRUE(s->explosionDots().empty());
 }
 
 }  // namespace

@@ -18,11 +18,9 @@ void scoreUpTo(GameScene& scene, int64_t target) {
 
 // The palette's background, and its primary and secondary on the parts that take them.
 void expectPalette(const GameScene& s, int64_t index) {
-  const Color backgrounds[] = {Color::rgba(0.98, 0.97, 0.90, 1.0), Color::rgba(0.92, 0.98, 1.00, 1.0),
-                               Color::rgba(0.99, 0.95, 0.97, 1.0), Color::rgba(0.94, 0.99, 0.95, 1.0)};
   const GameScene::Palette& palette = s.vibrantPalettes.at(static_cast<size_t>(index));
   EXPECT_EQ(s.currentPaletteIndex, index);
-  EXPECT_EQ(s.backgroundColor, backgrounds[index]);
+  EXPECT_EQ(s.backgroundColor, palette.bg);
   for (Color c : {s.playerLegRight->strokeColor, s.groundLine->strokeColor, s.scoreLabel->fontColor}) {
     EXPECT_EQ(c, palette.primary);
   }

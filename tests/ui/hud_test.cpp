@@ -1,69 +1,51 @@
-// The interface tree as built: every page's rows in order, and the depths that stack them.
+// What the head-up display tells a player: the run's score, the best score, and the buttons.
 #include <gtest/gtest.h>
 
 #include "scene/scene_fixture.hpp"
+#include "settings/preference_keys.hpp"
 
 namespace zb {
 namespace {
 
-struct Row {
-  const Node* node;
-  const char* name;
-  const char* text;
-  double fontSize;  // or, for the top level, the depth
-};
+using test::AttachedScene;
 
-void expectChildren(const Node& parent, const std::vector<Row>& rows) {
-  ASSERT_EQ(parent.children().size(), rows.size());
-  for (size_t i = 0; i < rows.size(); ++i) {
-    SCOPED_TRACE(std::string(rows[i].name) + rows[i].text);
-    EXPECT_EQ(parent.children()[i].get(), rows[i].node);
-    EXPECT_EQ(rows[i].node->name, rows[i].name);
-    if (auto* label = dynamic_cast<const LabelNode*>(rows[i].node)) {
-      EXPECT_EQ(label->text(), rows[i].text);
-      EXPECT_EQ(label->fontSize(), rows[i].fontSize);
-    }
-  }
+TEST(Hud, ShowsTheRunsScoreAndTheBestOfTheRunAndTheStore) {
+  auto store = std::make_shared<MemoryPreferences>();
+  store->setInteger(250, kHighScoreKey);
+  AttachedScene s({.preferences = store});
+  EXPECT_EQ(s->scoreLabel->text(), "Score: 0");
+  EXPECT_EQ(s->highScoreLabel->text(), "High: 250") << "a best score in the store shows";
+  EXPECT_EQ(s->pauseButton->text(), "Pause");
+  EXPECT_EQ(s->fullscreenButton->text(), "Full Screen");
+
+  s.press(keycode::space);
+  s.release(keycode::space);
+  s.step(120);
+  ASSERT_EQ(s->gameState, GameScene::GameState::playing);
+  ASSERT_GT(s->score, 0);
+  EXPECT_EQ(s->scoreLabel->text(), "Score: " + std::to_string(s->score));
+  EXPECT_EQ(s->highScoreLabel->text(), "High: 250");
+
 }
 
-// Built on a detached scene, so the first palette and layout have not yet replaced the setup values.
-TEST(InterfaceTree, SetupBuildsEveryPageInOrderAtItsDepth) {
-  GameScene s(Size{800, 600});
-  s.setupUI();
-  const std::vector<std::pair<const Node*, double>> depths = {
-      {s.scoreLabel.get(), 100},       {s.highScoreLabel.get(), 100}, {s.dimBackground.get(), 90},
-      {s.fullscreenButton.get(), 130}, {s.pauseButton.get(), 130},    {s.menuOverlay.get(), 100},
-      {s.settingsOverlay.get(), 110},  {s.gameOverOverlay.get(), 120}, {s.pauseOverlay.get(), 125}};
-  ASSERT_EQ(s.uiLayer->children().size(), depths.size());
-  for (size_t i = 0; i < depths.size(); ++i) {
-    EXPECT_EQ(s.uiLayer->children()[i].get(), depths[i].first) << "child " << i;
-    EXPECT_EQ(depths[i].first->zPosition, depths[i].second) << "child " << i;
+TEST(Hud, StaysInTheTopCornersAtAnySize) {
+  for (const Size size : {Size{800, 600}, Size{320, 200}, Size{1920, 1080}}) {
+    SCOPED_TRACE(testing::PrintToString(size.width));
+    AttachedScene s({.size = size});
+    for (const LabelNodePtr& label : {s->scoreLabel, s->highScoreLabel}) {
+      EXPECT_GE(label->frame().minX(), 0);
+      EXPECT_LT(label->frame().maxX(), size.width / 2);
+      EXPECT_LE(label->frame().maxY(), size.height);
+      EXPECT_GT(label->frame().minY(), size.height / 2);
+    }
+    for (const LabelNodePtr& button : {s->pauseButton, s->fullscreenButton}) {
+      EXPECT_LE(button->frame().maxX(), size.width);
+      EXPECT_GT(button->frame().minX(), size.width / 2);
+      EXPECT_LE(button->frame().maxY(), size.height);
+    }
+    EXPECT_FALSE(s->scoreLabel->frame().intersects(s->highScoreLabel->frame()));
+    EXPECT_FALSE(s->pauseButton->frame().intersects(s->fullscreenButton->frame()));
   }
-  EXPECT_EQ(s.retryButton->zPosition, 0) << "page children take their page's depth";
-  EXPECT_LT(s.playerContainer->zPosition, 90) << "the figure stays under the dim";
-  EXPECT_EQ(s.fullscreenButton->text(), "Full Screen");
-
-  expectChildren(*s.menuOverlay, {{s.titleLabel.get(), "", "Zindlebop", 32},
-                                  {s.subtitleLabel.get(), "", "Run, jump, survive", 16},
-                                  {s.startButton.get(), "btn_start", "Start", 18},
-                                  {s.settingsButton.get(), "btn_settings", "Settings", 18}});
-  expectChildren(*s.settingsOverlay, {{s.settingsTitle.get(), "", "Settings", 26},
-                                      {s.toggleFPSLabel.get(), "btn_fps", "Show FPS: Off", 18},
-                                      {s.musicToggleLabel.get(), "btn_music", "Music: On", 18},
-                                      {s.volumeLabel.get(), "lbl_volume", "Volume: 60%", 18},
-                                      {s.volDownButton.get(), "btn_vol_down", "-", 18},
-                                      {s.volUpButton.get(), "btn_vol_up", "+", 18},
-                                      {s.settingsBackButton.get(), "btn_back", "Back", 18}});
-  expectChildren(*s.gameOverOverlay, {{s.goTitle.get(), "", "Game Over", 28},
-                                      {s.goScore.get(), "", "", 18},
-                                      {s.goHigh.get(), "", "", 16},
-                                      {s.tauntLabel.get(), "", "", 16},
-                                      {s.retryButton.get(), "btn_retry", "Retry", 18},
-                                      {s.menuButton.get(), "btn_menu", "Main Menu", 18}});
-  expectChildren(*s.pauseOverlay, {{s.pauseTitle.get(), "", "Paused", 28},
-                                   {s.resumeButton.get(), "btn_resume", "Resume", 18},
-                                   {s.pauseOverlay->children().at(2).get(), "btn_pause_restart", "Restart", 18},
-                                   {s.pauseMenuButton.get(), "btn_pause_menu", "Main Menu", 18}});
 }
 
 }  // namespace

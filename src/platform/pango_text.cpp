@@ -1,4 +1,4 @@
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 
 #include <fontconfig/fontconfig.h>
 #include <pango/pangocairo.h>
@@ -31,6 +31,15 @@ constexpr double kMaxWrapWidth = 1e6;
 
 // One font map and context for every label. Metric hinting and glyph-position rounding are off, so a
 // layout measures the same whatever scale it is later drawn at.
+void installFontAliases() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    if (!FcInit()) return;
+    FcConfig* config = FcConfigGetCurrent();
+    FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(kFontAliases), FcFalse);
+  });
+}
+
 PangoContext* sharedContext() {
   static PangoContext* context = [] {
     installFontAliases();
@@ -63,7 +72,7 @@ PangoAlignment pangoAlignment(HorizontalAlignment alignment) {
 
 // A label's text laid out by pango, with its extent in pango's own frame: x to the right and y down
 // from the top of the layout.
-struct LabelLayout {
+struct LabelLayout : LaidOutText {
   PangoLayout* layout = nullptr;
   unsigned long revision = 0;
   HorizontalAlignment alignment = HorizontalAlignment::center;
@@ -76,7 +85,7 @@ struct LabelLayout {
   LabelLayout() = default;
   LabelLayout(const LabelLayout&) = delete;
   LabelLayout& operator=(const LabelLayout&) = delete;
-  ~LabelLayout() {
+  ~LabelLayout() override {
     if (layout) g_object_unref(layout);
   }
 
@@ -92,11 +101,14 @@ struct LabelLayout {
 class LabelLayoutCache {
  public:
   static const LabelLayout& of(const LabelNode& label) {
-    const std::shared_ptr<LabelLayout>& cached = label.layout_;
+    std::shared_ptr<LaidOutText>& slot = label.laidOutText();
+    const auto* cached = dynamic_cast<const LabelLayout*>(slot.get());
     if (!cached || cached->revision != label.layoutRevision() || cached->alignment != label.horizontalAlignment) {
-      label.layout_ = build(label);
+      auto fresh = build(label);
+      cached = fresh.get();
+      slot = std::move(fresh);
     }
-    return *label.layout_;
+    return *cached;
   }
 
  private:
@@ -150,21 +162,26 @@ class LabelLayoutCache {
   }
 };
 
-void installFontAliases() {
-  static std::once_flag once;
-  std::call_once(once, [] {
-    if (!FcInit()) return;
-    FcConfig* config = FcConfigGetCurrent();
-    FcConfigParseAndLoadFromMemory(config, reinterpret_cast<const FcChar8*>(kFontAliases), FcFalse);
-  });
-}
+namespace {
 
-std::optional<Rect> measureLabel(const LabelNode& label) {
-  const LabelLayout& l = LabelLayoutCache::of(label);
-  if (l.empty) return std::nullopt;
-  Point origin = l.origin();
-  // Pango's y runs down from the layout's top, which sits at the baseline's height above the position.
-  return Rect::make(origin.x + l.logical.minX(), origin.y - l.logical.maxY(), l.logical.width(), l.logical.height());
+class PangoMeasurer final : public TextMeasurer {
+ public:
+  std::optional<Rect> measure(const LabelNode& label) const override {
+    const LabelLayout& l = LabelLayoutCache::of(label);
+    if (l.empty) return std::nullopt;
+    Point origin = l.origin();
+    // Pango's y runs down from the layout's top, which sits at the baseline's height above the position.
+    return Rect::make(origin.x + l.logical.minX(), origin.y - l.logical.maxY(), l.logical.width(), l.logical.height());
+  }
+};
+
+}  // namespace
+
+// Fonts are set up on the first layout, not here, so that a program that never shows text never
+// starts fontconfig.
+void installPangoText() {
+  static const PangoMeasurer measurer;
+  installTextMeasurer(&measurer);
 }
 
 void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha) {

@@ -1,4 +1,4 @@
-#include "engine/text_layout.hpp"
+#include "platform/pango_text.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
-// Text through pango: the one place that lays out label text, so that a label's measured frame and
-// its drawn pixels always agree. "Menlo" is aliased to DejaVu Sans Mono.
+// Label text through pango and cairo: the one place that lays out label text, so that a label's
+// measured frame and its drawn pixels always agree. "Menlo" is aliased to DejaVu Sans Mono.
 #include <optional>
 #include <string>
 
@@ -13,19 +13,15 @@ namespace zb {
 
 class LabelNode;
 
-// Registers the font aliases with fontconfig once per process; later calls do nothing.
-void installFontAliases();
-
-// The label's laid-out text extent relative to its position, in its own coordinates (y up): the first
-// line's baseline lies at y = 0 and the alignment decides the x range. Nothing for empty text.
-std::optional<Rect> measureLabel(const LabelNode& label);
+// Makes pango the labels' measurer; the font aliases are registered with the first layout.
+void installPangoText();
 
 // Draws the label's text in its font colour, times `alpha`, with the current cairo user space taken
 // as the label's own coordinates with y up (the text is flipped upright internally).
 void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha);
 
 // The one pango context every label is laid out in: the font aliases, no metric hinting and
-// unrounded glyph positions, so a layout measures the same at any drawing scale. Owned by the engine.
+// unrounded glyph positions, so a layout measures the same at any drawing scale.
 PangoContext* sharedTextContext();
 
 // Name of the font family that "Menlo" resolves to (for checks and diagnostics).

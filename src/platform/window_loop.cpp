@@ -1,0 +1,83 @@
+#include "platform/window_loop.hpp"
+
+#include <SDL.h>
+
+#include <chrono>
+#include <cmath>
+
+#include "engine/view.hpp"
+#include "platform/frame_pacer.hpp"
+#include "platform/renderer.hpp"
+#include "platform/sdl_events.hpp"
+#include "platform/sdl_window.hpp"
+#include "platform/window_canvas.hpp"
+
+namespace zb {
+
+namespace {
+
+double secondsNow() {
+  using Clock = std::chrono::steady_clock;
+  return std::chrono::duration<double>(Clock::now().time_since_epoch()).count();
+}
+
+bool movedToAnotherDisplay(const SDL_Event& event) {
+  return event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED;
+}
+
+// Handles every waiting event; false when the game should quit.
+bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads) {
+  SDL_Event event;
+  while (SDL_PollEvent(&event) != 0) {
+    const EventOutcome outcome = gamepads ? dispatchEvent(event, view, *gamepads) : dispatchEvent(event, view);
+    if (outcome == EventOutcome::quit) return false;
+    if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
+  }
+  return true;
+}
+
+// Sleeps until the next step is due, waking early for input so that it is handled at once.
+void waitForNextStep(double seconds) {
+  const int milliseconds = static_cast<int>(std::ceil(seconds * 1000));
+  if (milliseconds > 0) SDL_WaitEventTimeout(nullptr, milliseconds);
+}
+
+class WindowHost final : public FrameLoopHost {
+ public:
+  WindowHost(View& view, SdlWindow& window, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads)
+      : view_(view), window_(window), canvas_(canvas), pacer_(pacer), gamepads_(gamepads) {}
+
+  bool handleEvents() override {
+    if (!drainEvents(view_, canvas_, pacer_, gamepads_)) return false;
+    window_.postFullScreenChanges(view_.notificationCenter());
+    return true;
+  }
+  double now() override { return secondsNow(); }
+  void waitFor(double seconds) override { waitForNextStep(seconds); }
+  bool minimized() override { return window_.isMinimized(); }
+  void draw(double framesPerSecond) override {
+    cairo_t* cr = canvas_.beginFrame();
+    if (cr == nullptr) return;
+    renderer_.draw(cr, view_, canvas_.pixelScale(), framesPerSecond);
+    canvas_.endFrame(cr);
+  }
+
+ private:
+  View& view_;
+  SdlWindow& window_;
+  WindowCanvas& canvas_;
+  FramePacer& pacer_;
+  SdlGamepads* gamepads_;
+  Renderer renderer_;
+};
+
+}  // namespace
+
+void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
+  FramePacer pacer(canvas.syncToDisplay());
+  pacer.setSpeed(options.gameSpeed);
+  WindowHost host(view, window, canvas, pacer, options.gamepads);
+  runFrames(view, pacer, host, options);
+}
+
+}  // namespace zb
