@@ -58,7 +58,12 @@ CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
       options.fullScreen = true;
       continue;
     }
-    const bool takesValue = arg == "--size" || arg == "--seed" || arg == "--prefs" || arg == "--frames";
+    if (arg == "--autoplay") {
+      options.autoplay = true;
+      continue;
+    }
+    const bool takesValue = arg == "--size" || arg == "--seed" || arg == "--prefs" || arg == "--frames" ||
+                            arg == "--screenshot";
     if (!takesValue) return CommandLineError{"unknown option '" + std::string(arg) + "'"};
     if (i + 1 >= args.size()) return CommandLineError{"missing value for " + std::string(arg)};
     const std::string_view value = args[++i];
@@ -68,6 +73,9 @@ CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
     } else if (arg == "--seed") {
       options.seed = parseNumber<uint64_t>(value);
       if (!options.seed) return badValue(arg, value, "a whole number from 0 to 18446744073709551615");
+    } else if (arg == "--screenshot") {
+      if (value.empty()) return badValue(arg, value, "a file name");
+      options.screenshotFile = std::string(value);
     } else if (arg == "--prefs") {
       if (value.empty()) return badValue(arg, value, "a file name");
       options.prefsFile = std::string(value);
@@ -88,6 +96,8 @@ std::string usageText() {
          "  --seed N         seed of the game's random source (default: a fresh one)\n"
          "  --prefs FILE     preferences file (default: in the user's config folder)\n"
          "  --frames N       quit after N frames\n"
+         "  --autoplay       the built-in player plays (a demo)\n"
+         "  --screenshot F   write a PNG of the window to F at exit\n"
          "  --headless ...   run without a window, driven by a script, with its own options\n"
          "  --version        print the version and exit\n"
          "  --help           print this help and exit\n";

@@ -26,12 +26,20 @@ bool movedToAnotherDisplay(const SDL_Event& event) {
   return event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED;
 }
 
+// The display server may have lost the window's pixels, or the window has new ones.
+bool lostPixels(const SDL_Event& event) {
+  if (event.type != SDL_WINDOWEVENT) return false;
+  const auto what = event.window.event;
+  return what == SDL_WINDOWEVENT_EXPOSED || what == SDL_WINDOWEVENT_SIZE_CHANGED || what == SDL_WINDOWEVENT_RESTORED;
+}
+
 // Handles every waiting event; false when the game should quit.
 bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer) {
   SDL_Event event;
   while (SDL_PollEvent(&event) != 0) {
     if (dispatchEvent(event, view) == EventOutcome::quit) return false;
     if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
+    if (lostPixels(event)) canvas.invalidate();
   }
   return true;
 }
@@ -42,19 +50,15 @@ void waitForNextStep(double seconds) {
   if (milliseconds > 0) SDL_WaitEventTimeout(nullptr, milliseconds);
 }
 
-void drawFrame(View& view, WindowCanvas& canvas, Renderer& renderer, double framesPerSecond) {
-  cairo_t* cr = canvas.beginFrame();
-  if (cr == nullptr) return;
-  renderer.draw(cr, view, canvas.pixelScale(), framesPerSecond);
-  canvas.endFrame(cr);
-}
-
 }  // namespace
 
-void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
+FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
   FramePacer pacer(canvas.syncToDisplay());
   FrameRateMeter meter;
   Renderer renderer;
+  renderer.setTracksDamage(options.tracksDamage);
+  FrameLoopStats stats;
+  const double start = secondsNow();
   int64_t frames = 0;
   bool presented = false;
   while (drainEvents(view, canvas, pacer)) {
@@ -65,15 +69,21 @@ void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const Fra
       waitForNextStep(pacer.secondsUntilNextStep(now));
       continue;
     }
-    for (int i = 0; i < steps; ++i) view.stepFrame();
-    if (!window.isMinimized()) {
-      drawFrame(view, canvas, renderer, meter.framesPerSecond());
+    for (int i = 0; i < steps; ++i) {
+      if (options.beforeStep) options.beforeStep();
+      view.stepFrame();
+    }
+    stats.steps += steps;
+    if (!window.isMinimized() && canvas.drawFrame(renderer, view, meter.framesPerSecond())) {
+      ++stats.framesDrawn;
       meter.frameDrawn(secondsNow());
       if (!presented && options.afterFirstPresent) options.afterFirstPresent();
       presented = true;
     }
     if (options.frameLimit && ++frames >= *options.frameLimit) break;
   }
+  stats.seconds = secondsNow() - start;
+  return stats;
 }
 
 }  // namespace zb
