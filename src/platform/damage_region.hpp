@@ -18,10 +18,19 @@ struct PixelRect {
   friend bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
+// An upright rectangle in pixels that paints the same colour all over its inside and along each side:
+// when it only moves, its pixels change only near its sides.
+struct SlidingRect {
+  uint64_t look = 0;  // the record's look without its place; 0 for anything else
+  double left = 0, top = 0, right = 0, bottom = 0;
+  double reach = 0;   // how far its pixels reach beyond the sides (stroke, antialiasing)
+};
+
 // One drawn item of a frame, in drawing order.
 struct DrawRecord {
   uint64_t look = 0;       // the same value exactly when the item would paint the same pixels
   PixelRect box;           // every pixel the item can touch, antialiasing included
+  SlidingRect sliding;
 };
 
 // The damaged boxes between two frames of the same size and background, in no particular order and

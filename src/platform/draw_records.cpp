@@ -70,6 +70,22 @@ void addPath(LookHash& hash, const Path& path) {
   }
 }
 
+// Four sides along the axes, closed: what Path::rect and the rect-shaped factories make.
+bool isUprightRectangle(const Path& path, const cairo_matrix_t& toDevice) {
+  if (toDevice.xy != 0 || toDevice.yx != 0) return false;
+  const auto& e = path.elements();
+  if (e.size() != 5 || e[0].kind != Path::Kind::moveTo || e[4].kind != Path::Kind::close) return false;
+  for (std::size_t i = 1; i < 4; ++i) {
+    if (e[i].kind != Path::Kind::lineTo) return false;
+    const Point a = e[i - 1].point, b = e[i].point;
+    // Sides alternate between horizontal and vertical, whichever comes first.
+    const bool horizontal = a.y == b.y, vertical = a.x == b.x;
+    if (horizontal == vertical) return false;
+    if (i > 1 && horizontal == (e[i - 2].point.y == a.y)) return false;
+  }
+  return e[3].point.x == e[0].point.x || e[3].point.y == e[0].point.y;
+}
+
 }  // namespace
 
 DrawRecord shapeRecord(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha) {
@@ -82,7 +98,19 @@ DrawRecord shapeRecord(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
   std::optional<Rect> bounds = shape.path.boundingBox();
   if (bounds) bounds = affineOf(toDevice).apply(bounds->insetBy(-reach, -reach));
   if (shape.path.isEmpty()) bounds = Rect{};
-  return {hash.value(), pixelBox(bounds)};
+  DrawRecord record{hash.value(), pixelBox(bounds), {}};
+  const std::optional<Rect> sides = shape.path.boundingBox();
+  if (sides && isUprightRectangle(shape.path, toDevice) && std::isfinite(reach)) {
+    // The same look without the place: a scrolling building differs from its last frame only there.
+    LookHash slide;
+    slide.add(&shape).add(uint64_t{4}).add(toDevice.xx).add(toDevice.yy).add(alpha).add(shape.fillColor);
+    slide.add(shape.strokeColor).add(shape.lineWidth).add(static_cast<uint64_t>(shape.lineCap));
+    addPath(slide, shape.path);
+    const Rect placed = affineOf(toDevice).apply(*sides);
+    const double scale = std::max(std::abs(toDevice.xx), std::abs(toDevice.yy));
+    record.sliding = {slide.value(), placed.minX(), placed.minY(), placed.maxX(), placed.maxY(), reach * scale + kAntialiasPixels};
+  }
+  return record;
 }
 
 DrawRecord labelRecord(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha) {
@@ -92,16 +120,16 @@ DrawRecord labelRecord(const LabelNode& label, const cairo_matrix_t& toDevice, d
   hash.add(static_cast<uint64_t>(label.numberOfLines())).add(label.preferredMaxLayoutWidth());
   hash.add(static_cast<uint64_t>(label.horizontalAlignment)).add(static_cast<uint64_t>(label.layoutRevision()));
   std::optional<Rect> bounds = measureLabel(label);
-  if (!bounds) return {hash.value(), {}};
+  if (!bounds) return {hash.value(), {}, {}};
   const double overhang = std::isfinite(label.fontSize()) ? std::abs(label.fontSize()) * kGlyphOverhang : 0;
-  return {hash.value(), pixelBox(affineOf(toDevice).apply(bounds->insetBy(-overhang, -overhang)))};
+  return {hash.value(), pixelBox(affineOf(toDevice).apply(bounds->insetBy(-overhang, -overhang))), {}};
 }
 
 DrawRecord counterRecord(const Rect& box, std::string_view texts, const cairo_matrix_t& sceneToDevice) {
   LookHash hash;
   hash.add(uint64_t{3}).add(texts).add(box.minX()).add(box.minY()).add(box.width()).add(box.height()).add(sceneToDevice);
   // The backdrop covers the text, whose glyphs may still poke out a little.
-  return {hash.value(), pixelBox(affineOf(sceneToDevice).apply(box.insetBy(-box.height(), -box.height())))};
+  return {hash.value(), pixelBox(affineOf(sceneToDevice).apply(box.insetBy(-box.height(), -box.height()))), {}};
 }
 
 uint64_t backdropLook(const Scene* scene, PixelSize target, double pixelScale, Size viewSize) {

@@ -41,7 +41,7 @@ struct DrawItem {
 };
 
 // Damage boxes beyond this many are merged: each box costs a copy and an upload of its own.
-constexpr std::size_t kMaxDamageRects = 8;
+constexpr std::size_t kMaxDamageRects = 32;
 
 // Reused from frame to frame, so collecting the draw list allocates only when the scene grows.
 thread_local std::vector<DrawItem> tDrawList;
