@@ -125,34 +125,50 @@ std::vector<PixelRect> damageBetween(const std::vector<DrawRecord>& before, cons
 }
 
 std::vector<PixelRect> mergeDamage(std::vector<PixelRect> rects, const PixelRect& frame, std::size_t maxRects) {
+  const auto waste = [](const PixelRect& a, const PixelRect& b) {
+    return a.unionWith(b).area() - a.area() - b.area() + a.intersection(b).area();
+  };
+  const auto worthJoining = [&](const PixelRect& a, const PixelRect& b) {
+    return a.intersects(b) || waste(a, b) <= kJoinSlackPixels;
+  };
+  // First fit: each box joins the first kept box worth joining, until a pass joins nothing more.
   std::vector<PixelRect> out;
   for (const PixelRect& r : rects) {
     const PixelRect clipped = r.intersection(frame);
     if (!clipped.isEmpty()) out.push_back(clipped);
   }
-  maxRects = std::max<std::size_t>(maxRects, 1);
-  // Join pairs until none is worth joining; then, while there are too many, join the cheapest pair.
-  bool joined = true;
-  while (joined && out.size() > 1) {
+  for (bool joined = true; joined;) {
     joined = false;
+    std::vector<PixelRect> kept;
+    kept.reserve(out.size());
+    for (const PixelRect& r : out) {
+      auto into = std::find_if(kept.begin(), kept.end(), [&](const PixelRect& k) { return worthJoining(k, r); });
+      if (into == kept.end()) {
+        kept.push_back(r);
+      } else {
+        *into = into->unionWith(r);
+        joined = true;
+      }
+    }
+    out.swap(kept);
+  }
+  // Then, while there are too many, the pair whose union wastes least.
+  maxRects = std::max<std::size_t>(maxRects, 1);
+  while (out.size() > maxRects) {
     int64_t bestWaste = std::numeric_limits<int64_t>::max();
-    std::size_t bestI = 0, bestJ = 0;
+    std::size_t bestI = 0, bestJ = 1;
     for (std::size_t i = 0; i < out.size(); ++i) {
       for (std::size_t j = i + 1; j < out.size(); ++j) {
-        const int64_t waste = out[i].unionWith(out[j]).area() - out[i].area() - out[j].area() +
-                              out[i].intersection(out[j]).area();
-        if (waste < bestWaste) {
-          bestWaste = waste;
+        const int64_t w = waste(out[i], out[j]);
+        if (w < bestWaste) {
+          bestWaste = w;
           bestI = i;
           bestJ = j;
         }
       }
     }
-    if (bestWaste <= kJoinSlackPixels || out[bestI].intersects(out[bestJ]) || out.size() > maxRects) {
-      out[bestI] = out[bestI].unionWith(out[bestJ]);
-      out.erase(out.begin() + static_cast<std::ptrdiff_t>(bestJ));
-      joined = true;
-    }
+    out[bestI] = out[bestI].unionWith(out[bestJ]);
+    out.erase(out.begin() + static_cast<std::ptrdiff_t>(bestJ));
   }
   return out;
 }

@@ -282,13 +282,14 @@ void paintBackground(cairo_t* cr, const Scene* scene) {
 void paintFrame(cairo_t* cr, const FramePlan& plan, const std::vector<PixelRect>* boxes,
                 const std::vector<PixelRect>* only) {
   cairo_save(cr);
+  cairo_save(cr);
   if (only != nullptr) {
     cairo_new_path(cr);
     for (const PixelRect& r : *only) cairo_rectangle(cr, r.x, r.y, r.width, r.height);
     cairo_clip(cr);  // whole pixels: the background is a flat colour, the same under any clip
   }
   paintBackground(cr, plan.scene);
-  cairo_reset_clip(cr);
+  cairo_restore(cr);
   cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
   const auto wanted = [&](std::size_t i) {
     if (boxes == nullptr) return true;
