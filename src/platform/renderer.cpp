@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <string>
 #include <vector>
@@ -316,14 +317,18 @@ DrawRecord recordOfCounters(const CounterBox& counters, const cairo_matrix_t& sc
   return counterRecord(counters.box, texts, sceneToDevice);
 }
 
-// Copies the box's pixels from `from` (whose device offset puts the box at its place) into `to`.
+// Copies the box's pixels from `from` into `to`, both images of the same size and format, row by row.
 void copyBox(cairo_surface_t* from, cairo_surface_t* to, const PixelRect& box) {
-  cairo_t* cr = cairo_create(to);
-  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-  cairo_set_source_surface(cr, from, 0, 0);
-  cairo_rectangle(cr, box.x, box.y, box.width, box.height);
-  cairo_fill(cr);
-  cairo_destroy(cr);
+  const unsigned char* source = cairo_image_surface_get_data(from);
+  unsigned char* target = cairo_image_surface_get_data(to);
+  const int sourceStride = cairo_image_surface_get_stride(from);
+  const int targetStride = cairo_image_surface_get_stride(to);
+  const std::size_t rowBytes = static_cast<std::size_t>(box.width) * 4;
+  for (int y = box.y; y < box.y + box.height; ++y) {
+    std::memcpy(target + static_cast<std::ptrdiff_t>(y) * targetStride + box.x * 4,
+                source + static_cast<std::ptrdiff_t>(y) * sourceStride + box.x * 4, rowBytes);
+  }
+  cairo_surface_mark_dirty_rectangle(to, box.x, box.y, box.width, box.height);
 }
 
 }  // namespace
@@ -377,6 +382,15 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   cairo_destroy(scratch);
   cairo_surface_flush(scratch_);
   cairo_surface_t* frameSurface = cairo_get_target(cr);
+  if (cairo_surface_get_type(frameSurface) != CAIRO_SURFACE_TYPE_IMAGE ||
+      cairo_image_surface_get_format(frameSurface) != CAIRO_FORMAT_RGB24 ||
+      cairo_image_surface_get_width(frameSurface) != target.width ||
+      cairo_image_surface_get_height(frameSurface) != target.height) {
+    paintFrame(cr, plan, nullptr, nullptr);  // not pixels this renderer can copy into
+    damage_.assign(1, frame);
+    return damage_;
+  }
+  cairo_surface_flush(frameSurface);
   for (const PixelRect& box : damage_) copyBox(scratch_, frameSurface, box);
   return damage_;
 }
