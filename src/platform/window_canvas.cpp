@@ -21,7 +21,9 @@ std::unique_ptr<WindowCanvas> WindowCanvas::create(SDL_Window* window, std::stri
     if (gl) return gl;
     if (requested) std::fprintf(stderr, "zindlebop: no GL presentation (SDL: %s); using the framebuffer\n", error.c_str());
   }
-  return FramebufferCanvas::create(window, error);
+  if (std::unique_ptr<WindowCanvas> framebuffer = FramebufferCanvas::create(window, error)) return framebuffer;
+  // Video drivers without a framebuffer of their own (SDL2 on Wayland) still have a renderer.
+  return GlCanvas::create(window, false, error);
 }
 
 double pixelScaleOf(SDL_Window* window, int pixelWidth) {

@@ -46,7 +46,7 @@ class WindowCanvas {
   WindowCanvas& operator=(const WindowCanvas&) = delete;
 };
 
-// Pixel size and pixels-per-point of the window's drawable, as the canvases share them.
+// Pixels per point of the window, whose drawable is `pixelWidth` pixels wide.
 double pixelScaleOf(SDL_Window* window, int pixelWidth);
 
 }  // namespace zb
