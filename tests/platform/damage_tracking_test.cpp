@@ -98,12 +98,29 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedraw) {
       {1960, [&] { run.pixelScale = 1; }},
   };
   constexpr uint64_t kFrames = 4000;
+  int crashes = 0, departures = 0;  // runs ending (the shake, the dots) and birds or dots leaving
+  int paletteChanges = 0;
   for (uint64_t frame = 0; frame < kFrames; ++frame) {
     if (const auto event = events.find(frame); event != events.end()) event->second();
-    run.session.run(AutoplayCommand{1});
+    const bool wasOver = scene.gameState == GameScene::GameState::gameOver;
+    const std::size_t children = scene.children().size();
+    const int64_t palette = scene.currentPaletteIndex;
+    // Now and then the player looks away, so that runs end in a crash.
+    const bool handsOff = (frame >= 2200 && frame < 2600) || (frame >= 3000 && frame < 3400);
+    if (handsOff) {
+      run.session.run(StepCommand{1});
+    } else {
+      run.session.run(AutoplayCommand{1});
+    }
+    crashes += !wasOver && scene.gameState == GameScene::GameState::gameOver;
+    departures += scene.children().size() < children;
+    paletteChanges += scene.currentPaletteIndex != palette;
     run.drawAndCompare(frame);
   }
   EXPECT_EQ(run.framesWithDiff, 0);
+  EXPECT_GE(crashes, 2) << "the run must see the shake";
+  EXPECT_GE(departures, 3) << "the run must see birds and dots leave";
+  EXPECT_GE(paletteChanges, 2);
   // Most frames redraw only part of the picture, and far less than all of it overall.
   EXPECT_GT(run.partialFrames, int64_t{kFrames} * 3 / 4);
   EXPECT_LT(run.drawnPixels, run.framePixels / 3);
