@@ -52,10 +52,11 @@ bool FramebufferCanvas::fitSurface() {
   // SDL hands out a new surface after the window changes size; its pixels start undefined.
   SDL_Surface* surface = SDL_GetWindowSurface(window_);
   if (surface == nullptr || surface->w <= 0 || surface->h <= 0) return false;
-  if (surface == surface_ && pixels_ != nullptr && cairo_image_surface_get_width(pixels_) == surface->w &&
-      cairo_image_surface_get_height(pixels_) == surface->h) {
-    return true;
-  }
+  // A surface made anew may sit at the old address, so its size and pixels are compared as well.
+  const bool same = surface == surface_ && pixels_ != nullptr && cairo_image_surface_get_width(pixels_) == surface->w &&
+                    cairo_image_surface_get_height(pixels_) == surface->h &&
+                    (converts_ || cairo_image_surface_get_data(pixels_) == surface->pixels);
+  if (same) return true;
   if (pixels_ != nullptr) cairo_surface_destroy(pixels_);
   surface_ = surface;
   kept_ = false;
