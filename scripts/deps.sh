@@ -11,6 +11,7 @@ build_packages=(
 test_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev python3 clang libclang-rt-14-dev
   xvfb xauth xdotool x11-utils          # the real window under a virtual display
+  libgl1-mesa-dri libegl-mesa0          # the GL presentation path, forced onto software GL
   sox libsox-fmt-mp3 libebur128-dev     # measuring the sounds
   dbus-daemon                           # a stand-in desktop portal on a private bus
   desktop-file-utils appstream lintian man-db groff-base  # validating what an install puts in place

@@ -35,9 +35,9 @@ CommandLineError badValue(std::string_view option, std::string_view value, std::
   return {"bad value '" + std::string(value) + "' for " + std::string(option) + " (expected " + std::string(expected) + ")"};
 }
 
-constexpr std::string_view kValueOptions[] = {"--size",      "--seed",     "--prefs", "--frames",
+constexpr std::string_view kValueOptions[] = {"--size",      "--seed",     "--prefs",  "--frames", "--screenshot",
                                               "--resources", "--fallback", "--script"};
-constexpr std::string_view kWindowOnly[] = {"--fullscreen", "--frames"};
+constexpr std::string_view kWindowOnly[] = {"--fullscreen", "--frames", "--autoplay", "--screenshot"};
 constexpr std::string_view kHeadlessOnly[] = {"--resources", "--fallback", "--script"};
 
 bool isOneOf(std::string_view name, std::span<const std::string_view> names) {
@@ -59,6 +59,8 @@ std::optional<CommandLineError> apply(std::string_view name, std::string_view va
     return badValue(name, value, "a file or folder name");
   } else if (name == "--prefs") {
     options.prefsFile = std::string(value);
+  } else if (name == "--screenshot") {
+    options.screenshotFile = std::string(value);
   } else if (name == "--resources") {
     options.resourceFolder = std::string(value);
   } else if (name == "--fallback") {
@@ -98,6 +100,10 @@ CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
       options.fullScreen = true;
       continue;
     }
+    if (arg == "--autoplay") {
+      options.autoplay = true;
+      continue;
+    }
     if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option '" + std::string(arg) + "'"};
     std::string_view value;
     if (name.size() < arg.size()) {
@@ -125,6 +131,8 @@ std::string usageText() {
          "                   headless: a private store discarded at exit)\n"
          "  --fullscreen     start in full screen (window only)\n"
          "  --frames N       quit after N frames (window only)\n"
+         "  --autoplay       the built-in player plays, as a demo (window only)\n"
+         "  --screenshot F   write a PNG of what the window shows to F at exit (window only)\n"
          "  --script FILE    the headless script (default: standard input)\n"
          "  --resources DIR  headless: the resource folder searched first for sounds\n"
          "  --fallback DIR   headless: the fallback sound folder, or none\n"

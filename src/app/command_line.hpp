@@ -20,6 +20,8 @@ struct CommandLineOptions {
   std::optional<uint64_t> seed;     // a fresh seed when unset
   std::optional<std::string> prefsFile;  // the default preferences location when unset
   std::optional<int64_t> frameLimit;     // run this many frames, then quit (for smoke tests)
+  bool autoplay = false;                 // the built-in player plays from the first frame (window only)
+  std::optional<std::string> screenshotFile;  // a PNG of the window, written at exit (window only)
   // Headless only.
   std::optional<std::string> scriptFile;      // standard input when unset
   std::optional<std::string> resourceFolder;  // the built or installed one when unset

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "app/frame_report.hpp"
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
 #include "platform/desktop_motion.hpp"
@@ -17,6 +18,7 @@
 #include "platform/sdl_view.hpp"
 #include "platform/sdl_window.hpp"
 #include "platform/window_canvas.hpp"
+#include "player/autoplay.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {
@@ -79,17 +81,39 @@ int runWindowedGame(const CommandLineOptions& options) {
   view.ignoresSiblingOrder = true;
   view.showsFPS = true;
   view.showsNodeCount = true;
-  auto scene = makeGameScene(options, view.size(), desktopWantsLessMotion);
+  const std::shared_ptr<GameScene> scene = makeGameScene(options, view.size(), desktopWantsLessMotion);
   view.presentScene(scene);
+  if (reportRequested(kReportPresentVariable)) std::fprintf(stderr, "present: %s\n", canvas->description().c_str());
 
   FrameLoopOptions loopOptions;
   loopOptions.frameLimit = options.frameLimit;
   loopOptions.gameSpeed = scene->comfortOptions().gameSpeed;
   loopOptions.gamepads = &gamepads;
   if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
-  runFrameLoop(view, *window, *canvas, loopOptions);
+  loopOptions.tracksDamage = damageTrackingWanted();
+  // The built-in player presses its keys before each step, as in the headless driver's autoplay.
+  Autoplayer player;
+  if (options.autoplay) {
+    loopOptions.beforeStep = [&] {
+      for (const KeyStroke& stroke : player.play(*scene)) {
+        const KeyEvent event{stroke.keyCode, 0, false};
+        if (stroke.down) {
+          view.keyDown(event);
+        } else {
+          view.keyUp(event);
+        }
+      }
+    };
+  }
+  const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions);
+  int status = 0;
+  if (options.screenshotFile && !canvas->writeScreenshot(*options.screenshotFile)) {
+    std::fprintf(stderr, "zindlebop: cannot write the screenshot '%s'\n", options.screenshotFile->c_str());
+    status = 1;
+  }
+  if (reportRequested(kReportFramesVariable)) std::fprintf(stderr, "%s\n", frameReportLine(stats).c_str());
   view.dismissScene();  // the music stops while the sound output still exists
-  return 0;
+  return status;
 }
 
 }  // namespace zb

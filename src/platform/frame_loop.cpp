@@ -6,8 +6,10 @@
 
 namespace zb {
 
-void runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLoopOptions& options) {
+FrameLoopStats runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLoopOptions& options) {
   FrameRateMeter meter;
+  FrameLoopStats stats;
+  const double start = host.now();
   int64_t frames = 0;
   bool presented = false;
   while (host.handleEvents()) {
@@ -17,16 +19,22 @@ void runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLo
       host.waitFor(pacer.secondsUntilNextStep(now));
       continue;
     }
-    for (int i = 0; i < steps; ++i) view.stepFrame();
+    for (int i = 0; i < steps; ++i) {
+      if (options.beforeStep) options.beforeStep();
+      view.stepFrame();
+    }
+    stats.steps += steps;
     // A minimised window is not drawn, but its game keeps time.
-    if (!host.minimized()) {
-      host.draw(meter.framesPerSecond());
+    if (!host.minimized() && host.draw(meter.framesPerSecond())) {
+      ++stats.framesDrawn;
       meter.frameDrawn(host.now());
       if (!presented && options.afterFirstPresent) options.afterFirstPresent();
       presented = true;
     }
     if (options.frameLimit && ++frames >= *options.frameLimit) break;
   }
+  stats.seconds = host.now() - start;
+  return stats;
 }
 
 }  // namespace zb

@@ -1,7 +1,6 @@
 #pragma once
-// The game's main loop without the window: events, simulation steps at 60 a second as the pacer
-// decides, a draw after every pass that stepped (unless the window is minimised), and the frame limit.
-// The outside world comes through a host, so the loop runs the same against a fake clock.
+// The game's main loop, apart from any window: events, simulation steps at 60 a second (or the game's
+// speed), drawing. A host supplies the events, the clock and the drawing, so tests can fake them.
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -18,10 +17,21 @@ struct FrameLoopOptions {
   std::optional<int64_t> frameLimit;
   // Called once, right after the first frame is put on screen.
   std::function<void()> afterFirstPresent;
+  // Called before every simulation step (the built-in player presses its keys here).
+  std::function<void()> beforeStep;
+  // Off: every frame is redrawn whole, for comparisons.
+  bool tracksDamage = true;
   // Simulation steps per second are 60 x this (0.5 to 1); each step is still 1/60 s of game time.
   double gameSpeed = 1.0;
   // Where gamepad events go; none means pads are not watched.
   SdlGamepads* gamepads = nullptr;
+};
+
+// What a run of the loop did, for the frame report.
+struct FrameLoopStats {
+  int64_t framesDrawn = 0;
+  int64_t steps = 0;
+  double seconds = 0;
 };
 
 class FrameLoopHost {
@@ -34,10 +44,11 @@ class FrameLoopHost {
   // Sleeps up to `seconds`, waking early for input.
   virtual void waitFor(double seconds) = 0;
   virtual bool minimized() = 0;
-  virtual void draw(double framesPerSecond) = 0;
+  // Draws and presents a frame; false when there was nothing to draw on.
+  virtual bool draw(double framesPerSecond) = 0;
 };
 
 // Runs until the host says quit (or the frame limit is reached).
-void runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLoopOptions& options);
+FrameLoopStats runFrames(View& view, FramePacer& pacer, FrameLoopHost& host, const FrameLoopOptions& options);
 
 }  // namespace zb

@@ -2,21 +2,58 @@
 // Draws any scene with cairo: nodes by accumulated z position alone (ties in tree order), alpha
 // multiplied down the tree, hidden subtrees skipped, y up, and the view's frame-rate and node-count
 // counters in a corner while their flags are on.
+//
+// In a window most pixels stay the same from one frame to the next, so drawChanges redraws only the
+// boxes where the frame can differ from the previous one, over that previous frame, with exactly the
+// pixels a full redraw would give.
 #include <filesystem>
+#include <vector>
 
 #include "engine/view.hpp"
+#include "platform/damage_region.hpp"
+#include "platform/draw_records.hpp"
 
 typedef struct _cairo cairo_t;
+typedef struct _cairo_surface cairo_surface_t;
 
 namespace zb {
 
 class Renderer {
  public:
+  Renderer() = default;
+  ~Renderer();
+  Renderer(const Renderer&) = delete;
+  Renderer& operator=(const Renderer&) = delete;
+
   // Draws the view's scene into `cr`, whose device covers the view at `pixelScale` pixels per point.
   // `framesPerSecond` is what the frame-rate counter shows.
   void draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond);
+
+  // Like draw, into a target of `target` pixels that still holds the frame drawn by the previous call
+  // when `targetKept` (false for a new or lost surface). Returns the boxes it redrew, in pixels: the
+  // whole frame, some parts of it, or none when nothing changed.
+  const std::vector<PixelRect>& drawChanges(cairo_t* cr, PixelSize target, const View& view, double pixelScale,
+                                            double framesPerSecond, bool targetKept);
+
+  // With tracking off every drawChanges redraws the whole frame (for comparisons).
+  void setTracksDamage(bool on) { tracksDamage_ = on; }
+  bool tracksDamage() const { return tracksDamage_; }
+
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
   bool writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
+
+ private:
+  // Makes the scratch frame the target's size; false when it cannot be made.
+  bool fitScratch(PixelSize size);
+
+  cairo_surface_t* scratch_ = nullptr;  // the changed parts are drawn here first
+  bool tracksDamage_ = true;
+  bool hasPrevious_ = false;
+  uint64_t previousBackdrop_ = 0;
+  std::vector<DrawRecord> previous_;
+  std::vector<DrawRecord> records_;
+  std::vector<PixelRect> boxes_;
+  std::vector<PixelRect> damage_;
 };
 
 }  // namespace zb

@@ -1,50 +1,52 @@
 #pragma once
-// The pixels behind the window: a cairo image the size of the window's drawable, handed to SDL's
-// renderer as a texture once it is drawn. Vsync is asked for only on displays that refresh at 60 Hz,
-// where the presented frame can be the game's clock.
+// The pixels behind the window and the way they reach the screen (see present_path.hpp). Each frame
+// the renderer redraws only what changed into pixels that keep the previous frame, and only those
+// boxes travel on.
+#include <filesystem>
 #include <memory>
 #include <string>
 
+#include "platform/present_path.hpp"
+
 struct SDL_Window;
-struct SDL_Renderer;
-struct SDL_Texture;
-typedef struct _cairo cairo_t;
-typedef struct _cairo_surface cairo_surface_t;
 
 namespace zb {
 
+class Renderer;
+class View;
+
 class WindowCanvas {
  public:
-  // Nothing when SDL has no renderer for the window; `error` then says why.
+  // The path ZINDLEBOP_PRESENT asks for, else GL on a hardware driver, else the framebuffer. Nothing
+  // when the window can be drawn on neither way; `error` then says why.
   static std::unique_ptr<WindowCanvas> create(SDL_Window* window, std::string& error);
-  ~WindowCanvas();
+  virtual ~WindowCanvas() = default;
+
+  virtual PresentPath path() const = 0;
+  // What presents the frames, for the start-up line (the GL renderer string, or the framebuffer's).
+  virtual std::string description() const = 0;
+
+  // Looks at the display the window is on and says whether presenting now waits for a 60 Hz vertical
+  // blank, which then is the game's clock.
+  virtual bool syncToDisplay() = 0;
+
+  // Draws the view's frame with `renderer` and puts it on screen; false when there was nothing to draw
+  // on (a zero-sized window).
+  virtual bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) = 0;
+
+  // The window's pixels were lost or moved (exposed, resized): the next frame is drawn and sent whole.
+  virtual void invalidate() = 0;
+
+  // Writes a PNG of what the window shows, read back from where it is shown from.
+  virtual bool writeScreenshot(const std::filesystem::path& file) = 0;
+
+ protected:
+  WindowCanvas() = default;
   WindowCanvas(const WindowCanvas&) = delete;
   WindowCanvas& operator=(const WindowCanvas&) = delete;
-
-  // Looks at the display the window is on, turns vsync on there only at 60 Hz, and says whether
-  // presenting now waits for a 60 Hz vertical blank.
-  bool syncToDisplay();
-
-  // A cairo context over the whole drawable in pixels, or nullptr when there is nothing to draw on
-  // (a zero-sized window). Pair with endFrame.
-  cairo_t* beginFrame();
-  // Pixels per point of the frame begun last.
-  double pixelScale() const { return pixelScale_; }
-  // Puts the drawn frame on screen and releases the context.
-  void endFrame(cairo_t* cr);
-
- private:
-  WindowCanvas(SDL_Window* window, SDL_Renderer* renderer) : window_(window), renderer_(renderer) {}
-  // Makes the texture and the image match the drawable's size; false when they cannot.
-  bool fitDrawable(int width, int height);
-
-  SDL_Window* window_;
-  SDL_Renderer* renderer_;
-  SDL_Texture* texture_ = nullptr;
-  cairo_surface_t* image_ = nullptr;
-  int width_ = 0;
-  int height_ = 0;
-  double pixelScale_ = 1;
 };
+
+// Pixels per point of the window, whose drawable is `pixelWidth` pixels wide.
+double pixelScaleOf(SDL_Window* window, int pixelWidth);
 
 }  // namespace zb

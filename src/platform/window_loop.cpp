@@ -25,6 +25,13 @@ bool movedToAnotherDisplay(const SDL_Event& event) {
   return event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED;
 }
 
+// The display server may have lost the window's pixels, or the window has new ones.
+bool lostPixels(const SDL_Event& event) {
+  if (event.type != SDL_WINDOWEVENT) return false;
+  const auto what = event.window.event;
+  return what == SDL_WINDOWEVENT_EXPOSED || what == SDL_WINDOWEVENT_SIZE_CHANGED || what == SDL_WINDOWEVENT_RESTORED;
+}
+
 // Handles every waiting event; false when the game should quit.
 bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads) {
   SDL_Event event;
@@ -32,6 +39,7 @@ bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer, SdlGamepad
     const EventOutcome outcome = gamepads ? dispatchEvent(event, view, *gamepads) : dispatchEvent(event, view);
     if (outcome == EventOutcome::quit) return false;
     if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
+    if (lostPixels(event)) canvas.invalidate();
   }
   return true;
 }
@@ -55,12 +63,8 @@ class WindowHost final : public FrameLoopHost {
   double now() override { return secondsNow(); }
   void waitFor(double seconds) override { waitForNextStep(seconds); }
   bool minimized() override { return window_.isMinimized(); }
-  void draw(double framesPerSecond) override {
-    cairo_t* cr = canvas_.beginFrame();
-    if (cr == nullptr) return;
-    renderer_.draw(cr, view_, canvas_.pixelScale(), framesPerSecond);
-    canvas_.endFrame(cr);
-  }
+  bool draw(double framesPerSecond) override { return canvas_.drawFrame(renderer_, view_, framesPerSecond); }
+  Renderer& renderer() { return renderer_; }
 
  private:
   View& view_;
@@ -73,11 +77,12 @@ class WindowHost final : public FrameLoopHost {
 
 }  // namespace
 
-void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
+FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
   FramePacer pacer(canvas.syncToDisplay());
   pacer.setSpeed(options.gameSpeed);
   WindowHost host(view, window, canvas, pacer, options.gamepads);
-  runFrames(view, pacer, host, options);
+  host.renderer().setTracksDamage(options.tracksDamage);
+  return runFrames(view, pacer, host, options);
 }
 
 }  // namespace zb

@@ -9,6 +9,6 @@ class SdlWindow;
 class WindowCanvas;
 
 // Runs until the window is closed or SDL is asked to quit (or the frame limit is reached).
-void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options);
+FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options);
 
 }  // namespace zb

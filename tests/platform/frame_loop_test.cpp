@@ -40,7 +40,10 @@ class FakeHost : public FrameLoopHost {
   double now() override { return clock_; }
   void waitFor(double) override { log_ += 'w'; }
   bool minimized() override { return minimized_; }
-  void draw(double) override { log_ += 'd'; }
+  bool draw(double) override {
+    log_ += 'd';
+    return true;
+  }
   bool minimized_ = false;
 
  private:
@@ -87,7 +90,9 @@ TEST(FrameLoop, AStallIsCaughtUpOnlyALittleThenDrawnOnce) {
 
 TEST(FrameLoop, StopsAtTheFrameLimitAndReportsTheFirstPresentOnce) {
   int presents = 0;
-  FrameLoopOptions options{2, [&] { ++presents; }};
+  FrameLoopOptions options;
+  options.frameLimit = 2;
+  options.afterFirstPresent = [&] { ++presents; };
   EXPECT_EQ(run({0, kStep * 1.001, kStep * 1.001, kStep * 1.001}, false, options), "sdsd");
   EXPECT_EQ(presents, 1);
 }
