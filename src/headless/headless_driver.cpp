@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "headless/error_quote.hpp"
 #include "headless/headless_session.hpp"
 #include "headless/script_command.hpp"
 
@@ -87,7 +88,7 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::ostream&
     std::string_view name = argument.substr(0, argument.find('='));
     bool known = std::find(std::begin(kValueOptions), std::end(kValueOptions), name) != std::end(kValueOptions);
     if (!known) {
-      err << "zindlebop: unknown option '" << argument << "'\n";
+      err << "zindlebop: unknown option " << quotedForError(argument) << "\n";
       return std::nullopt;
     }
     std::string value;
@@ -100,7 +101,7 @@ std::optional<CommandLine> parseCommandLine(int argc, char** argv, std::ostream&
       return std::nullopt;
     }
     if (!applyOption(name, value, line)) {
-      err << "zindlebop: bad value '" << value << "' for " << name << "\n";
+      err << "zindlebop: bad value " << quotedForError(value) << " for " << name << "\n";
       return std::nullopt;
     }
   }
@@ -113,7 +114,10 @@ int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostre
   HeadlessSession session(options, out);
   std::string text;
   for (uint64_t lineNumber = 1; std::getline(script, text); ++lineNumber) {
-    ParsedLine line = parseScriptLine(text);
+    // A NUL would cut a file name short on its way to the system; no command has a use for one.
+    ParsedLine line = text.find('\0') != std::string::npos
+                          ? ParsedLine{std::nullopt, "the line holds a NUL character"}
+                          : parseScriptLine(text);
     std::optional<std::string> failure = line.error;
     if (!failure && line.command) failure = session.run(*line.command);
     if (failure) {
@@ -139,7 +143,7 @@ int runHeadlessMain(int argc, char** argv) {
   if (!line->scriptFile) return runHeadless(line->options, std::cin, std::cout, std::cerr);
   std::ifstream script(*line->scriptFile);
   if (!script) {
-    std::cerr << "zindlebop: cannot read the script '" << *line->scriptFile << "'\n";
+    std::cerr << "zindlebop: cannot read the script " << quotedForError(*line->scriptFile) << "\n";
     return kExitBadInput;
   }
   return runHeadless(line->options, script, std::cout, std::cerr);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "headless/error_quote.hpp"
 #include "platform/key_mapping.hpp"
 
 namespace zb {
@@ -26,7 +27,7 @@ std::vector<std::string_view> splitWords(std::string_view line) {
   return words;
 }
 
-std::string quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
+std::string quoted(std::string_view word) { return quotedForError(word); }
 
 // The words of one line, consumed from the left.
 class Words {

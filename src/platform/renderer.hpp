@@ -10,13 +10,19 @@ typedef struct _cairo cairo_t;
 
 namespace zb {
 
+// How a picture write went; true when it was written.
+struct PngWrite {
+  enum Failure { none, noMemory, cannotWrite } failure = none;
+  explicit operator bool() const { return failure == none; }
+};
+
 class Renderer {
  public:
   // Draws the view's scene into `cr`, whose device covers the view at `pixelScale` pixels per point.
   // `framesPerSecond` is what the frame-rate counter shows.
   void draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond);
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
-  bool writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
+  PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
 };
 
 }  // namespace zb
