@@ -26,14 +26,23 @@ bool movedToAnotherDisplay(const SDL_Event& event) {
   return event.type == SDL_WINDOWEVENT && event.window.event == SDL_WINDOWEVENT_DISPLAY_CHANGED;
 }
 
-// Handles every waiting event; false when the game should quit.
-bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer) {
+// Handles every waiting event; false when the game should quit. A window another program destroyed
+// ends the game as a close does.
+bool drainEvents(View& view, SdlWindow& window, WindowCanvas& canvas, FramePacer& pacer) {
   SDL_Event event;
   while (SDL_PollEvent(&event) != 0) {
+    if (window.destroyedFromOutside(event)) return false;
     if (dispatchEvent(event, view) == EventOutcome::quit) return false;
     if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
   }
   return true;
+}
+
+// The scene fills the window whatever the events said: a window manager may refuse a size, and no
+// event at all comes for some changes.
+void followWindowSize(View& view, const SdlWindow& window) {
+  const Size size = window.sizeInPoints();
+  if (size.width > 0 && size.height > 0 && size != view.size()) view.setSize(size);
 }
 
 // Sleeps until the next step is due, waking early for input so that it is handled at once.
@@ -57,8 +66,9 @@ void runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const Fra
   Renderer renderer;
   int64_t frames = 0;
   bool presented = false;
-  while (drainEvents(view, canvas, pacer)) {
+  while (drainEvents(view, window, canvas, pacer)) {
     window.postFullScreenChanges(view.notificationCenter());
+    followWindowSize(view, window);
     const double now = secondsNow();
     const int steps = pacer.stepsDue(now);
     if (steps == 0) {
