@@ -36,6 +36,7 @@ bool initSdlVideo(std::string& error) {
   ForeignAllocations drivers;
   const bool chosenByUser = isSet("SDL_VIDEODRIVER");
   if (!chosenByUser) SDL_SetHint(SDL_HINT_VIDEODRIVER, visibleDrivers().c_str());
+  guardX11Errors();
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     error = SDL_GetError();
     return false;
@@ -78,8 +79,9 @@ std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::stri
 SdlWindow::SdlWindow(SDL_Window* window) : window_(window), x11_(X11Window::attach(window)) {}
 
 SdlWindow::~SdlWindow() {
-  x11_.reset();
+  if (x11_) x11_->beforeDestroy();
   SDL_DestroyWindow(window_);
+  if (x11_) x11_->afterDestroy();
 }
 
 bool SdlWindow::isFullScreen() const {
@@ -131,7 +133,9 @@ void SdlWindow::makeFullScreenRequest() {
 void SdlWindow::postFullScreenChanges(NotificationCenter& center) {
   makeFullScreenRequest();
   const bool fullScreen = isFullScreen();
-  if (requestedFullScreen_ == fullScreen) requestedFullScreen_.reset();
+  // Only a change seen to arrive at the state asked for answers the request; a state that merely
+  // matches may be an earlier request still on its way back.
+  if (fullScreen != postedFullScreen_ && requestedFullScreen_ == fullScreen) requestedFullScreen_.reset();
   if (fullScreen == postedFullScreen_) return;
   postedFullScreen_ = fullScreen;
   center.post(fullScreen ? kWindowDidEnterFullScreenNotification : kWindowDidExitFullScreenNotification,

@@ -29,9 +29,18 @@ int tolerateLostWindow(Display* display, XErrorEvent* error) {
   return previousHandler != nullptr ? previousHandler(display, error) : 0;
 }
 
+// SDL sets handlers of its own around some calls and does not always put ours back, so it is put back
+// before every place a lost window could raise an error.
+void guardErrors() {
+  XErrorHandler previous = XSetErrorHandler(tolerateLostWindow);
+  if (previous != tolerateLostWindow) previousHandler = previous;
+}
+
 Display* asDisplay(void* display) { return static_cast<Display*>(display); }
 
 }  // namespace
+
+void guardX11Errors() { guardErrors(); }
 
 std::unique_ptr<X11Window> X11Window::attach(SDL_Window* window) {
   SDL_SysWMinfo info;
@@ -39,16 +48,34 @@ std::unique_ptr<X11Window> X11Window::attach(SDL_Window* window) {
   if (!SDL_GetWindowWMInfo(window, &info) || info.subsystem != SDL_SYSWM_X11) return nullptr;
   guardedWindow = info.info.x11.window;
   windowLost = false;
-  XErrorHandler previous = XSetErrorHandler(tolerateLostWindow);
-  if (previous != tolerateLostWindow) previousHandler = previous;
+  guardErrors();
   // X events reach the loop too, so that a DestroyNotify for the window is seen.
   SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);
   return std::unique_ptr<X11Window>(new X11Window(window, info.info.x11.display, info.info.x11.window));
 }
 
-// The handler stays: SDL still destroys the window and closes the display after this, and a window
-// lost from outside makes both complain.
-X11Window::~X11Window() = default;
+// The handler stays: SDL still closes the display after this, and a lost window makes it complain.
+X11Window::~X11Window() { guardErrors(); }
+
+// SDL hides the window before destroying it and waits for the server to confirm, which for a window
+// that no longer exists never happens; the confirmation is supplied here.
+void X11Window::beforeDestroy() {
+  guardErrors();
+  if (!windowLost) return;
+  XEvent unmapped{};
+  unmapped.xunmap.type = UnmapNotify;
+  unmapped.xunmap.display = asDisplay(display_);
+  unmapped.xunmap.event = id_;
+  unmapped.xunmap.window = id_;
+  XPutBackEvent(asDisplay(display_), &unmapped);
+}
+
+// The errors of destroying a lost window arrive later; they are collected while our handler is in
+// place rather than when SDL has put back Xlib's fatal one.
+void X11Window::afterDestroy() {
+  guardErrors();
+  if (windowLost) XSync(asDisplay(display_), False);
+}
 
 bool X11Window::windowManagerRuns() const {
   Display* display = asDisplay(display_);
@@ -66,6 +93,7 @@ bool X11Window::windowManagerRuns() const {
 }
 
 void X11Window::requestFullScreen(bool fullScreen, const SDL_Rect& bounds) {
+  guardErrors();
   Display* display = asDisplay(display_);
   if (windowManagerRuns() && !laidOver_) {
     XEvent message{};
@@ -94,6 +122,7 @@ void X11Window::requestFullScreen(bool fullScreen, const SDL_Rect& bounds) {
 }
 
 bool X11Window::lostBy(const SDL_Event& event) const {
+  guardErrors();
   if (event.type == SDL_SYSWMEVENT && event.syswm.msg != nullptr && event.syswm.msg->subsystem == SDL_SYSWM_X11) {
     const XEvent& x = event.syswm.msg->msg.x11.event;
     if (x.type == DestroyNotify && x.xdestroywindow.window == id_) windowLost = true;

@@ -8,12 +8,20 @@
 
 namespace zb {
 
+// Puts the game's X error handler in place. Called before SDL starts, so that the handler SDL keeps
+// and hands errors on to, even after it has shut down, is this one rather than Xlib's fatal default.
+void guardX11Errors();
+
 class X11Window {
  public:
   // Nothing when the window is not on X11. From then on, an X error about this window no longer stops
   // the program; the window counts as lost instead.
   static std::unique_ptr<X11Window> attach(SDL_Window* window);
   ~X11Window();
+  // Around SDL's destruction of the window, so that a window already gone neither hangs it nor, through
+  // an error SDL no longer guards, ends the program.
+  void beforeDestroy();
+  void afterDestroy();
   X11Window(const X11Window&) = delete;
   X11Window& operator=(const X11Window&) = delete;
 
