@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "headless/error_quote.hpp"
+
 namespace zb {
 
 namespace {
@@ -32,7 +34,7 @@ std::optional<Size> parseSize(std::string_view text) {
 }
 
 CommandLineError badValue(std::string_view option, std::string_view value, std::string_view expected) {
-  return {"bad value '" + std::string(value) + "' for " + std::string(option) + " (expected " + std::string(expected) + ")"};
+  return {"bad value " + quotedForError(value) + " for " + std::string(option) + " (expected " + std::string(expected) + ")"};
 }
 
 constexpr std::string_view kValueOptions[] = {"--size",      "--seed",     "--prefs",  "--frames", "--screenshot",
@@ -104,7 +106,7 @@ CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
       options.autoplay = true;
       continue;
     }
-    if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option '" + std::string(arg) + "'"};
+    if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option " + quotedForError(arg)};
     std::string_view value;
     if (name.size() < arg.size()) {
       value = arg.substr(name.size() + 1);  // --name=value

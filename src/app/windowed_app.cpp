@@ -66,6 +66,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   if (!window) return failWith("cannot open a window", error);
   std::unique_ptr<WindowCanvas> canvas = WindowCanvas::create(window->handle(), error);
   if (!canvas) return failWith("cannot draw into the window", error);
+  window->watchNativeWindow();
   SDL_StopTextInput();  // keys only; no input-method popups over the game
   installPangoText();
 

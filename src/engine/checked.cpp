@@ -17,10 +17,14 @@ int64_t checkedMod(int64_t a, int64_t b) {
   return a % b;
 }
 
-int64_t checkedTruncate(double v) {
+bool truncatesToInt64(double v) {
   // -2^63 is representable; 2^63 is the first double above the int64 range.
   constexpr double kLimit = 9223372036854775808.0;
-  if (!std::isfinite(v) || v >= kLimit || v < -kLimit) trapOverflow();
+  return std::isfinite(v) && v < kLimit && v >= -kLimit;
+}
+
+int64_t checkedTruncate(double v) {
+  if (!truncatesToInt64(v)) trapOverflow();
   return static_cast<int64_t>(v);
 }
 

@@ -25,6 +25,8 @@ inline int64_t checkedMul(int64_t a, int64_t b) {
 int64_t checkedDiv(int64_t a, int64_t b);
 // Remainder with the sign of the dividend; a zero divisor traps.
 int64_t checkedMod(int64_t a, int64_t b);
+// Whether a double truncates to an int64 (finite and inside the range).
+bool truncatesToInt64(double v);
 // Truncation of a double toward zero; NaN, infinities and values outside int64 trap.
 int64_t checkedTruncate(double v);
 

@@ -20,6 +20,8 @@ class Preferences {
   virtual void setObject(std::string_view key, PreferenceValue value) = 0;
   virtual void removeObject(std::string_view key) = 0;
   virtual std::map<std::string, PreferenceValue> dictionaryRepresentation() = 0;
+  // Where the values are kept, for a message a person can act on.
+  virtual std::string whereKept() const { return "memory"; }
 
   // Typed reads: 0 / false when absent or not convertible. Numbers convert between each other (a
   // float truncates toward zero, saturating at the int64 range); a bool reads as 0 or 1; a string is

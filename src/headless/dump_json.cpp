@@ -5,6 +5,38 @@
 #include <cstdio>
 
 namespace zb {
+namespace {
+
+constexpr std::string_view kReplacementCharacter = "\xEF\xBF\xBD";
+
+// The length of the well-formed UTF-8 character at the start of `text`, or 0 when there is none
+// (a stray continuation byte, a cut sequence, an overlong form, a surrogate, or past U+10FFFF).
+size_t utf8SequenceLength(std::string_view text) {
+  auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+  const unsigned char lead = byte(0);
+  size_t length = 0;
+  unsigned char low = 0x80, high = 0xBF;  // the range of the second byte
+  if (lead >= 0xC2 && lead <= 0xDF) {
+    length = 2;
+  } else if (lead >= 0xE0 && lead <= 0xEF) {
+    length = 3;
+    if (lead == 0xE0) low = 0xA0;
+    if (lead == 0xED) high = 0x9F;
+  } else if (lead >= 0xF0 && lead <= 0xF4) {
+    length = 4;
+    if (lead == 0xF0) low = 0x90;
+    if (lead == 0xF4) high = 0x8F;
+  } else {
+    return 0;
+  }
+  if (text.size() < length || byte(1) < low || byte(1) > high) return 0;
+  for (size_t i = 2; i < length; ++i) {
+    if (byte(i) < 0x80 || byte(i) > 0xBF) return 0;
+  }
+  return length;
+}
+
+}  // namespace
 
 void JsonWriter::separate() {
   if (afterKey_) {
@@ -99,7 +131,8 @@ void JsonWriter::segment(Point from, Point to) { numbers({from.x, from.y, to.x, 
 
 std::string JsonWriter::escape(std::string_view text) {
   std::string escaped = "\"";
-  for (char ch : text) {
+  for (size_t i = 0; i < text.size();) {
+    const char ch = text[i];
     switch (ch) {
       case '"': escaped += "\\\""; break;
       case '\\': escaped += "\\\\"; break;
@@ -113,10 +146,18 @@ std::string JsonWriter::escape(std::string_view text) {
           char code[8];
           std::snprintf(code, sizeof code, "\\u%04x", static_cast<unsigned char>(ch));
           escaped += code;
+        } else if (static_cast<unsigned char>(ch) >= 0x80) {
+          // A reader of the dump expects UTF-8; a byte that does not start a well-formed character
+          // stands as U+FFFD, and the next byte is looked at afresh.
+          const size_t length = utf8SequenceLength(text.substr(i));
+          escaped += length > 0 ? text.substr(i, length) : kReplacementCharacter;
+          i += length > 0 ? length : 1;
+          continue;
         } else {
-          escaped += ch;  // UTF-8 passes through unchanged
+          escaped += ch;
         }
     }
+    ++i;
   }
   escaped += '"';
   return escaped;

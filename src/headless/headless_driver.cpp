@@ -3,6 +3,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "headless/error_quote.hpp"
 #include "headless/headless_session.hpp"
 #include "headless/script_command.hpp"
 
@@ -18,7 +19,10 @@ int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostre
   HeadlessSession session(options, out);
   std::string text;
   for (uint64_t lineNumber = 1; std::getline(script, text); ++lineNumber) {
-    ParsedLine line = parseScriptLine(text);
+    // A NUL would cut a file name short on its way to the system; no command has a use for one.
+    ParsedLine line = text.find('\0') != std::string::npos
+                          ? ParsedLine{std::nullopt, "the line holds a NUL character"}
+                          : parseScriptLine(text);
     std::optional<std::string> failure = line.error;
     if (!failure && line.command) failure = session.run(*line.command);
     if (failure) {
@@ -35,7 +39,7 @@ int runHeadlessMain(const HeadlessOptions& options, const std::optional<std::str
   if (!scriptFile) return runHeadless(options, std::cin, std::cout, std::cerr);
   std::ifstream script(*scriptFile);
   if (!script) {
-    std::cerr << "zindlebop: cannot read the script '" << *scriptFile << "'\n";
+    std::cerr << "zindlebop: cannot read the script " << quotedForError(*scriptFile) << "\n";
     return kExitBadInput;
   }
   return runHeadless(options, script, std::cout, std::cerr);

@@ -1,6 +1,7 @@
 #include "headless/headless_session.hpp"
 
 #include "headless/dump_state.hpp"
+#include "headless/error_quote.hpp"
 #include "platform/pango_text.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
@@ -91,7 +92,11 @@ void HeadlessSession::dump() {
 
 std::optional<std::string> HeadlessSession::screenshot(const std::string& file) {
   ensureLaunched();
-  if (!renderer_.writePNG(view_, file, kFramesPerSecond)) return "screenshot: cannot write '" + file + "'";
+  const PngWrite written = renderer_.writePNG(view_, file, kFramesPerSecond);
+  if (written.failure == PngWrite::noMemory) {
+    return "screenshot: not enough memory for the picture to " + quotedForError(file);
+  }
+  if (!written) return "screenshot: cannot write " + quotedForError(file);
   return std::nullopt;
 }
 

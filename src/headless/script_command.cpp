@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "engine/key_names.hpp"
+#include "headless/error_quote.hpp"
 
 namespace zb {
 namespace {
@@ -26,7 +27,7 @@ std::vector<std::string_view> splitWords(std::string_view line) {
   return words;
 }
 
-std::string quoted(std::string_view word) { return "'" + std::string(word) + "'"; }
+std::string quoted(std::string_view word) { return quotedForError(word); }
 
 // The words of one line, consumed from the left.
 class Words {

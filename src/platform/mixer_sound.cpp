@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 
 #include "engine/audio_node.hpp"
@@ -27,6 +30,20 @@ constexpr int kLoopFadeInMs = 60;
 // give up 5 dB together and keep their levels relative to each other.
 constexpr int kEffectsMasterVolume = 72;
 
+// A sound effect is decoded whole into memory, so a file far larger than any effect would stall the
+// game on every jump and could exhaust the memory; such a file is refused before it is opened.
+constexpr uintmax_t kMaxEffectBytes = uintmax_t{32} << 20;
+
+// Whether the file can be handed to the decoder without blocking (a FIFO would wait for a writer)
+// or decoding more than `maxBytes` of it.
+bool isLoadable(const std::filesystem::path& file, uintmax_t maxBytes) {
+  std::error_code error;
+  const auto status = std::filesystem::status(file, error);
+  if (error || !std::filesystem::is_regular_file(status)) return false;
+  const uintmax_t size = std::filesystem::file_size(file, error);
+  return !error && size <= maxBytes;
+}
+
 int mixerVolume(float volume) {
   if (!(volume > 0)) return 0;  // also NaN
   return static_cast<int>(std::lround(std::min(volume, 1.0f) * MIX_MAX_VOLUME));
@@ -36,6 +53,8 @@ int mixerVolume(float volume) {
 
 struct MixerSoundOutput::Impl {
   std::map<std::string, Mix_Chunk*> effects;
+  // Files that did not load: each press would otherwise read them again, and fail again.
+  std::set<std::string, std::less<>> failedEffects;
   Mix_Music* music = nullptr;
   const AudioNode* musicNode = nullptr;
 
@@ -74,10 +93,13 @@ MixerSoundOutput::~MixerSoundOutput() {
 }
 
 bool MixerSoundOutput::playEffect(const std::filesystem::path& file) {
-  Mix_Chunk*& chunk = impl_->effects[file.string()];
-  if (!chunk) chunk = Mix_LoadWAV(file.c_str());
+  const std::string name = file.string();
+  if (impl_->failedEffects.contains(name)) return false;
+  Mix_Chunk*& chunk = impl_->effects[name];
+  if (!chunk && isLoadable(file, kMaxEffectBytes)) chunk = Mix_LoadWAV(file.c_str());
   if (!chunk) {
-    impl_->effects.erase(file.string());
+    impl_->effects.erase(name);
+    impl_->failedEffects.insert(name);
     return false;
   }
   // Channels keep the mixer's full default volume; only the music follows the settings.
@@ -86,6 +108,8 @@ bool MixerSoundOutput::playEffect(const std::filesystem::path& file) {
 
 void MixerSoundOutput::startLoop(const AudioNode& node) {
   impl_->stopMusic();
+  // Music is streamed, so its size does not matter; a FIFO or a folder still must not be opened.
+  if (!isLoadable(node.file(), UINTMAX_MAX)) return;
   impl_->music = Mix_LoadMUS(node.file().c_str());
   if (!impl_->music) return;
   impl_->musicNode = &node;

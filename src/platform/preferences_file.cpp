@@ -1,180 +1,80 @@
-// The preferences file is a GLib key file with one group, [preferences]. Each line holds one value
-// with its type in front, so that a value reads back as the type it was written with:
-//
-//   [preferences]
-//   quorraHighScore=int:1234
-//   quorra_settingShowFPS=bool:false
-//   quorra_settingMusicVolume=float:0.70000005
-//   playerName=string:Anna
-//
-// Floats are written in their shortest form that reads back to the same bits. Key characters other
-// than letters, digits, '_', '-' and '.' are written as %XX. Lines of an unknown type, or that do not
-// parse, are skipped; a file that is missing, not a regular file, larger than kMaxFileBytes or not a
-// key file at all reads as an empty store.
+// The preferences file on disk. What is read and written is the key file of preference_key_file.cpp;
+// this file decides when, and keeps the player's system safe from the writes: a save lands in the file
+// a symbolic link points at, never turns a FIFO, device or folder into a file, and never overwrites a
+// file it could not read without first keeping a copy of it beside it.
 #include "platform/preferences_file.hpp"
 
+#include <fcntl.h>
 #include <glib.h>
 #include <glib/gstdio.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-#include <charconv>
-#include <cstdio>
+#include <cerrno>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
+
+#include "platform/preference_key_file.hpp"
 
 namespace zb {
 namespace {
 
-constexpr const char* kGroup = "preferences";
+namespace fs = std::filesystem;
+
+// Far more than the game writes; a larger file is not ours, and reading it would stall the launch.
 constexpr uintmax_t kMaxFileBytes = 1 << 20;
 // How stale a read may be: often enough that another copy's best score shows at once, seldom enough
 // that a frame does not touch the disk.
 constexpr auto kRefreshInterval = std::chrono::milliseconds(250);
-constexpr int kFileMode = 0644;
+constexpr mode_t kFileMode = 0644;
 constexpr int kFolderMode = 0755;
+// As many links as the kernel itself follows before it gives up with ELOOP.
+constexpr int kMaxLinkHops = 40;
+// Copies of unreadable files made within the same second get a number after the time.
+constexpr int kMaxCopyAttempts = 100;
 
-using KeyFilePtr = std::unique_ptr<GKeyFile, decltype(&g_key_file_free)>;
 using GCharPtr = std::unique_ptr<gchar, decltype(&g_free)>;
 
-KeyFilePtr newKeyFile() { return KeyFilePtr(g_key_file_new(), &g_key_file_free); }
-
-bool isPlainKeyChar(char c) {
-  return g_ascii_isalnum(c) || c == '_' || c == '-' || c == '.';
-}
-
-std::string encodeKey(std::string_view key) {
-  static constexpr char kHex[] = "0123456789ABCDEF";
-  std::string out;
-  for (char c : key) {
-    if (isPlainKeyChar(c)) {
-      out += c;
-    } else {
-      auto byte = static_cast<unsigned char>(c);
-      out += '%';
-      out += kHex[byte >> 4];
-      out += kHex[byte & 0xF];
-    }
+struct FileDescriptor {
+  int fd;
+  ~FileDescriptor() {
+    if (fd >= 0) ::close(fd);
   }
-  return out;
-}
+};
 
-std::optional<std::string> decodeKey(std::string_view encoded) {
-  std::string out;
-  for (size_t i = 0; i < encoded.size(); ++i) {
-    if (encoded[i] != '%') {
-      out += encoded[i];
-      continue;
-    }
-    if (i + 2 >= encoded.size() || !g_ascii_isxdigit(encoded[i + 1]) || !g_ascii_isxdigit(encoded[i + 2])) {
-      return std::nullopt;
-    }
-    out += static_cast<char>(g_ascii_xdigit_value(encoded[i + 1]) * 16 + g_ascii_xdigit_value(encoded[i + 2]));
-    i += 2;
-  }
-  return out;
-}
-
-template <typename Number>
-std::string numberText(Number value) {
-  char buffer[64];
-  auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-  return std::string(buffer, result.ptr);
-}
-
-template <typename Number>
-std::optional<Number> parseNumber(std::string_view text) {
-  Number value{};
-  auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return value;
-}
-
-std::string encodeValue(const PreferenceValue& value) {
-  struct {
-    std::string operator()(int64_t v) const { return "int:" + numberText(v); }
-    std::string operator()(bool v) const { return v ? "bool:true" : "bool:false"; }
-    std::string operator()(float v) const { return "float:" + numberText(v); }
-    std::string operator()(const std::string& v) const { return "string:" + v; }
-  } encoder;
-  return std::visit(encoder, value);
-}
-
-std::optional<PreferenceValue> decodeValue(std::string_view text) {
-  size_t colon = text.find(':');
-  if (colon == std::string_view::npos) return std::nullopt;
-  std::string_view type = text.substr(0, colon);
-  std::string_view body = text.substr(colon + 1);
-  if (type == "string") return std::string(body);
-  if (type == "bool") {
-    if (body == "true") return true;
-    if (body == "false") return false;
-    return std::nullopt;
-  }
-  if (type == "int") {
-    if (auto v = parseNumber<int64_t>(body)) return *v;
-    return std::nullopt;
-  }
-  if (type == "float") {
-    if (auto v = parseNumber<float>(body)) return *v;
-    return std::nullopt;
+// The file a chain of symbolic links ends at (it need not exist yet); nothing for a loop.
+std::optional<fs::path> linkTarget(fs::path path) {
+  for (int hop = 0; hop < kMaxLinkHops; ++hop) {
+    std::error_code error;
+    if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
+    fs::path next = fs::read_symlink(path, error);
+    if (error) return std::nullopt;
+    path = next.is_absolute() ? next : path.parent_path() / next;
   }
   return std::nullopt;
 }
 
-// The whole file, or nothing when it is missing, not a regular file, or too large to be ours.
-std::optional<std::string> readSmallFile(const std::filesystem::path& file) {
-  struct stat info {};
-  if (::stat(file.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
-  std::unique_ptr<FILE, decltype(&std::fclose)> stream(std::fopen(file.c_str(), "rb"), &std::fclose);
-  if (!stream) return std::nullopt;
-  std::string contents;
-  char buffer[16384];
-  size_t count;
-  while ((count = std::fread(buffer, 1, sizeof buffer, stream.get())) > 0) {
-    contents.append(buffer, count);
-    if (contents.size() > kMaxFileBytes) return std::nullopt;
-  }
-  if (std::ferror(stream.get())) return std::nullopt;
-  return contents;
+std::string timeStamp() {
+  GDateTime* now = g_date_time_new_now_local();
+  GCharPtr text(g_date_time_format(now, "%Y%m%d-%H%M%S"), &g_free);
+  g_date_time_unref(now);
+  return text ? text.get() : "copy";
 }
 
-std::map<std::string, PreferenceValue, std::less<>> parseContents(const std::string& contents) {
-  std::map<std::string, PreferenceValue, std::less<>> values;
-  KeyFilePtr keyFile = newKeyFile();
-  if (!g_key_file_load_from_data(keyFile.get(), contents.data(), contents.size(), G_KEY_FILE_NONE, nullptr)) {
-    return values;
+// Keeps the file's present contents under a new name beside it: a hard link when the file system
+// has them, which needs no permission to read the file, else a copy. Nothing when neither works.
+std::optional<fs::path> keepCopyOf(const fs::path& file) {
+  const std::string base = file.string() + ".unreadable-" + timeStamp();
+  for (int attempt = 1; attempt <= kMaxCopyAttempts; ++attempt) {
+    fs::path copy = attempt == 1 ? fs::path(base) : fs::path(base + "-" + std::to_string(attempt));
+    if (::link(file.c_str(), copy.c_str()) == 0) return copy;
+    if (errno == EEXIST) continue;
+    std::error_code error;
+    if (fs::copy_file(file, copy, fs::copy_options::none, error)) return copy;
+    if (!fs::exists(copy, error)) return std::nullopt;
   }
-  gchar** keys = g_key_file_get_keys(keyFile.get(), kGroup, nullptr, nullptr);
-  if (!keys) return values;
-  for (gchar** key = keys; *key; ++key) {
-    GCharPtr text(g_key_file_get_string(keyFile.get(), kGroup, *key, nullptr), &g_free);
-    auto name = decodeKey(*key);
-    if (!text || !name) continue;
-    if (auto value = decodeValue(text.get())) values[*name] = std::move(*value);
-  }
-  g_strfreev(keys);
-  return values;
-}
-
-std::string serialize(const std::map<std::string, PreferenceValue, std::less<>>& values) {
-  KeyFilePtr keyFile = newKeyFile();
-  for (const auto& [key, value] : values) {
-    std::string text = encodeValue(value);
-    // A key file holds only UTF-8; a string that is not stays in memory rather than corrupt the file.
-    if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr)) continue;
-    g_key_file_set_string(keyFile.get(), kGroup, encodeKey(key).c_str(), text.c_str());
-  }
-  gsize length = 0;
-  GCharPtr data(g_key_file_to_data(keyFile.get(), &length, nullptr), &g_free);
-  return data ? std::string(data.get(), length) : std::string();
-}
-
-std::filesystem::path configHome() {
-  const char* xdg = std::getenv("XDG_CONFIG_HOME");
-  if (xdg && *xdg && std::filesystem::path(xdg).is_absolute()) return xdg;
-  const char* home = std::getenv("HOME");
-  if (home && *home) return std::filesystem::path(home) / ".config";
-  return std::filesystem::path(g_get_home_dir()) / ".config";
+  return std::nullopt;
 }
 
 }  // namespace
@@ -182,7 +82,16 @@ std::filesystem::path configHome() {
 FilePreferences::FilePreferences(std::filesystem::path file) : file_(std::move(file)) { reloadIfChanged(); }
 
 std::filesystem::path FilePreferences::defaultLocation() {
-  return configHome() / "zindlebop" / "preferences.ini";
+  const char* xdg = std::getenv("XDG_CONFIG_HOME");
+  std::filesystem::path home;
+  if (xdg && *xdg && std::filesystem::path(xdg).is_absolute()) {
+    home = xdg;
+  } else if (const char* user = std::getenv("HOME"); user && *user) {
+    home = std::filesystem::path(user) / ".config";
+  } else {
+    home = std::filesystem::path(g_get_home_dir()) / ".config";
+  }
+  return home / "zindlebop" / "preferences.ini";
 }
 
 std::optional<PreferenceValue> FilePreferences::objectForKey(std::string_view key) {
@@ -209,6 +118,8 @@ std::map<std::string, PreferenceValue> FilePreferences::dictionaryRepresentation
   return MemoryPreferences::dictionaryRepresentation();
 }
 
+std::string FilePreferences::whereKept() const { return file_.string(); }
+
 FilePreferences::FileStamp FilePreferences::stampOf(const std::filesystem::path& file) {
   struct stat info {};
   if (::stat(file.c_str(), &info) != 0) return {};
@@ -218,6 +129,31 @@ FilePreferences::FileStamp FilePreferences::stampOf(const std::filesystem::path&
                    static_cast<uint64_t>(info.st_size),
                    info.st_mtim.tv_sec * int64_t{1000000000} + info.st_mtim.tv_nsec,
                    info.st_ctim.tv_sec * int64_t{1000000000} + info.st_ctim.tv_nsec};
+}
+
+// The file's text. Never blocks: a FIFO or a device is not opened at all, and the open itself asks
+// not to wait should one appear there in between.
+FilePreferences::FileRead FilePreferences::readFile(const std::filesystem::path& file) {
+  struct stat info {};
+  if (::stat(file.c_str(), &info) != 0) return {errno == ENOENT || errno == ENOTDIR ? missing : unreadable, {}};
+  if (!S_ISREG(info.st_mode)) return {notRegular, {}};
+  FileDescriptor stream{::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY)};
+  if (stream.fd < 0) return {unreadable, {}};
+  if (::fstat(stream.fd, &info) != 0 || !S_ISREG(info.st_mode)) return {notRegular, {}};
+  if (static_cast<uintmax_t>(info.st_size) > kMaxFileBytes) return {unreadable, {}};
+  std::string contents;
+  char buffer[16384];
+  for (;;) {
+    const ssize_t count = ::read(stream.fd, buffer, sizeof buffer);
+    if (count == 0) break;
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      return {unreadable, {}};
+    }
+    contents.append(buffer, static_cast<size_t>(count));
+    if (contents.size() > kMaxFileBytes) return {unreadable, {}};
+  }
+  return {readable, std::move(contents)};
 }
 
 void FilePreferences::refreshIfDue() {
@@ -232,8 +168,11 @@ void FilePreferences::reloadIfChanged() {
   lastCheck_ = std::chrono::steady_clock::now();
   FileStamp stamp = stampOf(file_);
   if (stamp == loadedStamp_) return;
-  auto fresh = stamp.exists ? readSmallFile(file_) : std::nullopt;
-  auto diskValues = fresh ? parseContents(*fresh) : decltype(values_){};
+  FileRead read = readFile(file_);
+  std::optional<PreferenceMap> parsed = read.state == readable ? parsePreferenceText(read.text) : PreferenceMap{};
+  loadedDamaged_ = read.state == unreadable || !parsed;
+  loadedText_ = parsed ? std::move(read.text) : std::string();
+  PreferenceMap diskValues = parsed ? std::move(*parsed) : PreferenceMap{};
   for (const auto& key : unsavedKeys_) {
     auto mine = values_.find(key);
     if (mine != values_.end()) {
@@ -246,18 +185,48 @@ void FilePreferences::reloadIfChanged() {
   loadedStamp_ = stamp;
 }
 
-// Replaces the file in one step (temporary file, flush to disk, rename), so that a failure leaves
-// the previous file as it was; the values then stay in memory and the next write tries again.
+void FilePreferences::say(const std::string& line) {
+  // A player pressing the toggle ten times hears about the same trouble once.
+  if (line == lastSaid_) return;
+  lastSaid_ = line;
+  std::cerr << "zindlebop: " << line << std::endl;
+}
+
+// Replaces the file in one step (temporary file beside it, flush to disk, rename), so that a failure
+// leaves the previous file as it was; the values then stay in memory and the next write tries again.
 void FilePreferences::save() {
-  std::string data = serialize(values_);
-  GCharPtr folder(g_path_get_dirname(file_.c_str()), &g_free);
+  const std::string shown = "'" + file_.string() + "'";
+  const std::optional<fs::path> target = linkTarget(file_);
+  if (!target) {
+    say("the preferences path " + shown + " is a loop of symbolic links; settings are kept for this session only");
+    return;
+  }
+  struct stat info {};
+  const bool exists = ::lstat(target->c_str(), &info) == 0;
+  if (exists && !S_ISREG(info.st_mode)) {
+    say("the preferences path " + shown + " is not a regular file; settings are kept for this session only");
+    return;
+  }
+  if (exists && loadedDamaged_ && stampOf(*target) == loadedStamp_) {
+    const std::optional<fs::path> copy = keepCopyOf(*target);
+    if (!copy) {
+      say("cannot read the preferences in " + shown + " nor keep a copy of them; leaving the file as it is");
+      return;
+    }
+    say("cannot read the preferences in " + shown + "; kept them as '" + copy->string() + "'");
+    loadedDamaged_ = false;
+  }
+  const std::string data = preferenceTextWith(loadedText_, values_, unsavedKeys_);
+  GCharPtr folder(g_path_get_dirname(target->c_str()), &g_free);
   g_mkdir_with_parents(folder.get(), kFolderMode);
+  const int mode = static_cast<int>(exists ? info.st_mode & 07777 : kFileMode);
   auto flags = static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE);
-  if (!g_file_set_contents_full(file_.c_str(), data.data(), static_cast<gssize>(data.size()), flags, kFileMode,
+  if (!g_file_set_contents_full(target->c_str(), data.data(), static_cast<gssize>(data.size()), flags, mode,
                                 nullptr)) {
     return;
   }
   unsavedKeys_.clear();
+  loadedText_ = data;
   loadedStamp_ = stampOf(file_);
   lastCheck_ = std::chrono::steady_clock::now();
 }

@@ -1,10 +1,13 @@
 #pragma once
 // The player's preferences, kept in a key file under $XDG_CONFIG_HOME/zindlebop/ (or
-// ~/.config/zindlebop/). Every write replaces the file atomically; a file that cannot be read or
-// parsed reads as an empty store, and a folder that cannot be written keeps the values in memory.
+// ~/.config/zindlebop/). Every write replaces the file atomically (the file a symbolic link points at,
+// the link kept); a path that is not a regular file is never written, and a file that cannot be read or
+// parsed reads as an empty store and is kept beside the new one under another name before the first
+// write. Whatever cannot be saved stays in memory, with one line on standard error saying why.
 #include <chrono>
 #include <filesystem>
 #include <set>
+#include <string>
 
 #include "engine/preferences.hpp"
 
@@ -21,6 +24,7 @@ class FilePreferences : public MemoryPreferences {
   std::map<std::string, PreferenceValue> dictionaryRepresentation() override;
 
   const std::filesystem::path& file() const { return file_; }
+  std::string whereKept() const override;
 
  private:
   // What identifies one version of the file on disk; another writer's atomic replace changes it.
@@ -32,15 +36,28 @@ class FilePreferences : public MemoryPreferences {
   };
   static FileStamp stampOf(const std::filesystem::path& file);
 
+  enum ReadState { missing, notRegular, unreadable, readable };
+  struct FileRead {
+    ReadState state;
+    std::string text;
+  };
+  static FileRead readFile(const std::filesystem::path& file);
+
   void refreshIfDue();
   void reloadIfChanged();
   void save();
+  void say(const std::string& line);
 
   std::filesystem::path file_;
   FileStamp loadedStamp_;
   std::chrono::steady_clock::time_point lastCheck_;
   // Keys set or removed here since the last load; they win over the disk until a write succeeds.
   std::set<std::string, std::less<>> unsavedKeys_;
+  // The file as last read, so that a save keeps what the game does not know; empty when it was not a
+  // key file, which then also counts as damaged until a copy of it is kept.
+  std::string loadedText_;
+  bool loadedDamaged_ = false;
+  std::string lastSaid_;
 };
 
 }  // namespace zb

@@ -412,23 +412,32 @@ bool Renderer::fitScratch(PixelSize size) {
   return false;
 }
 
-bool Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
+PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
   const Size size = view.scene() != nullptr ? view.scene()->size() : view.size();
   const int width = pixelExtent(size.width);
   const int height = pixelExtent(size.height);
+  // A huge scene needs gigabytes of pixels; running out of them is worth telling apart from a bad path.
+  auto failure = [](cairo_status_t status) {
+    return PngWrite{status == CAIRO_STATUS_NO_MEMORY ? PngWrite::noMemory : PngWrite::cannotWrite};
+  };
   // The window's pixels are opaque, so the picture is too.
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-  if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+  if (const cairo_status_t status = cairo_surface_status(surface); status != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(surface);
-    return false;
+    return failure(status);
   }
   cairo_t* cr = cairo_create(surface);
   draw(cr, view, 1.0, framesPerSecond);
+  const cairo_status_t drawn = cairo_status(cr);
   cairo_destroy(cr);
+  if (drawn != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(surface);
+    return failure(drawn);
+  }
   cairo_surface_flush(surface);
   const cairo_status_t status = cairo_surface_write_to_png(surface, file.c_str());
   cairo_surface_destroy(surface);
-  return status == CAIRO_STATUS_SUCCESS;
+  return status == CAIRO_STATUS_SUCCESS ? PngWrite{} : failure(status);
 }
 
 }  // namespace zb

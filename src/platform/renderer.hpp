@@ -18,6 +18,12 @@ typedef struct _cairo_surface cairo_surface_t;
 
 namespace zb {
 
+// How a picture write went; true when it was written.
+struct PngWrite {
+  enum Failure { none, noMemory, cannotWrite } failure = none;
+  explicit operator bool() const { return failure == none; }
+};
+
 class Renderer {
  public:
   Renderer() = default;
@@ -40,7 +46,7 @@ class Renderer {
   bool tracksDamage() const { return tracksDamage_; }
 
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
-  bool writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
+  PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
 
  private:
   // Makes the scratch frame the target's size; false when it cannot be made.

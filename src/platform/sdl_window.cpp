@@ -1,6 +1,7 @@
 #include "platform/sdl_window.hpp"
 #include "platform/foreign_allocations.hpp"
 #include "platform/window_identity.hpp"
+#include "platform/x11_window.hpp"
 
 #include <SDL.h>
 
@@ -37,6 +38,7 @@ bool initSdlVideo(std::string& error) {
   const bool chosenByUser = isSet("SDL_VIDEODRIVER");
   if (!chosenByUser) SDL_SetHint(SDL_HINT_VIDEODRIVER, visibleDrivers().c_str());
   announceWindowClass();
+  guardX11Errors();
   if (SDL_Init(SDL_INIT_VIDEO) != 0) {
     error = SDL_GetError();
     return false;
@@ -51,10 +53,18 @@ bool initSdlVideo(std::string& error) {
   return true;
 }
 
+static bool isX11() {
+  const char* driver = SDL_GetCurrentVideoDriver();
+  return driver != nullptr && std::strcmp(driver, "x11") == 0;
+}
+
 std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::string& error) {
   ForeignAllocations drivers;
   Uint32 flags = SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI;
-  if (fullScreen) flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
+  // On X11 full screen is asked for once the window stands, the same way as every later request, so
+  // that leaving it never goes through SDL's waiting path.
+  const bool requestLater = fullScreen && isX11();
+  if (fullScreen && !requestLater) flags |= SDL_WINDOW_FULLSCREEN_DESKTOP;
   SDL_Window* window = SDL_CreateWindow(kTitle, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
                                         windowExtent(size.width, kMinimumSize.width),
                                         windowExtent(size.height, kMinimumSize.height), flags);
@@ -64,10 +74,18 @@ std::unique_ptr<SdlWindow> SdlWindow::open(Size size, bool fullScreen, std::stri
   }
   SDL_SetWindowMinimumSize(window, static_cast<int>(kMinimumSize.width), static_cast<int>(kMinimumSize.height));
   setWindowIcon(window);
-  return std::unique_ptr<SdlWindow>(new SdlWindow(window));
+  std::unique_ptr<SdlWindow> opened(new SdlWindow(window));
+  if (requestLater) opened->toggleFullScreen();
+  return opened;
 }
 
-SdlWindow::~SdlWindow() { SDL_DestroyWindow(window_); }
+SdlWindow::SdlWindow(SDL_Window* window) : window_(window), x11_(X11Window::attach(window)) {}
+
+SdlWindow::~SdlWindow() {
+  if (x11_) x11_->beforeDestroy();
+  SDL_DestroyWindow(window_);
+  if (x11_) x11_->afterDestroy();
+}
 
 bool SdlWindow::isFullScreen() const {
   return (SDL_GetWindowFlags(window_) & SDL_WINDOW_FULLSCREEN) != 0 || coversItsDisplay();
@@ -87,7 +105,23 @@ bool SdlWindow::coversItsDisplay() const {
   return x == bounds.x && y == bounds.y && w == bounds.w && h == bounds.h;
 }
 
-void SdlWindow::toggleFullScreen() {
+void SdlWindow::toggleFullScreen() { toggleWanted_ = !toggleWanted_; }
+
+// Once a pass at most, so that a burst of presses costs one request, not one each. On X11 the request
+// returns at once; SDL's own call there waits up to a tenth of a second for an answer, and without a
+// window manager it records a size the window never takes.
+void SdlWindow::makeFullScreenRequest() {
+  if (!toggleWanted_) return;
+  toggleWanted_ = false;
+  if (x11_) {
+    const bool wanted = !requestedFullScreen_.value_or(isFullScreen());
+    requestedFullScreen_ = wanted;
+    SDL_Rect bounds{0, 0, 0, 0};
+    const int display = SDL_GetWindowDisplayIndex(window_);
+    if (display < 0 || SDL_GetDisplayBounds(display, &bounds) != 0) bounds = {};
+    x11_->requestFullScreen(wanted, bounds);
+    return;
+  }
   if ((SDL_GetWindowFlags(window_) & SDL_WINDOW_FULLSCREEN) != 0) {
     SDL_SetWindowFullscreen(window_, 0);
   } else if (coversItsDisplay()) {
@@ -100,11 +134,22 @@ void SdlWindow::toggleFullScreen() {
 }
 
 void SdlWindow::postFullScreenChanges(NotificationCenter& center) {
+  makeFullScreenRequest();
   const bool fullScreen = isFullScreen();
+  // Only a change seen to arrive at the state asked for answers the request; a state that merely
+  // matches may be an earlier request still on its way back.
+  if (fullScreen != postedFullScreen_ && requestedFullScreen_ == fullScreen) requestedFullScreen_.reset();
   if (fullScreen == postedFullScreen_) return;
   postedFullScreen_ = fullScreen;
   center.post(fullScreen ? kWindowDidEnterFullScreenNotification : kWindowDidExitFullScreenNotification,
               static_cast<const Window*>(this));
+}
+
+bool SdlWindow::destroyedFromOutside(const SDL_Event& event) const { return x11_ && x11_->lostBy(event); }
+
+void SdlWindow::watchNativeWindow() {
+  x11_.reset();
+  x11_ = X11Window::attach(window_);
 }
 
 Size SdlWindow::sizeInPoints() const {

@@ -32,16 +32,25 @@ bool lostPixels(const SDL_Event& event) {
   return what == SDL_WINDOWEVENT_EXPOSED || what == SDL_WINDOWEVENT_SIZE_CHANGED || what == SDL_WINDOWEVENT_RESTORED;
 }
 
-// Handles every waiting event; false when the game should quit.
-bool drainEvents(View& view, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads) {
+// Handles every waiting event; false when the game should quit. A window another program destroyed
+// ends the game as a close does.
+bool drainEvents(View& view, SdlWindow& window, WindowCanvas& canvas, FramePacer& pacer, SdlGamepads* gamepads) {
   SDL_Event event;
   while (SDL_PollEvent(&event) != 0) {
+    if (window.destroyedFromOutside(event)) return false;
     const EventOutcome outcome = gamepads ? dispatchEvent(event, view, *gamepads) : dispatchEvent(event, view);
     if (outcome == EventOutcome::quit) return false;
     if (movedToAnotherDisplay(event)) pacer.setVsyncAt60Hz(canvas.syncToDisplay());
     if (lostPixels(event)) canvas.invalidate();
   }
   return true;
+}
+
+// The scene fills the window whatever the events said: a window manager may refuse a size, and no
+// event at all comes for some changes.
+void followWindowSize(View& view, const SdlWindow& window) {
+  const Size size = window.sizeInPoints();
+  if (size.width > 0 && size.height > 0 && size != view.size()) view.setSize(size);
 }
 
 // Sleeps until the next step is due, waking early for input so that it is handled at once.
@@ -56,8 +65,9 @@ class WindowHost final : public FrameLoopHost {
       : view_(view), window_(window), canvas_(canvas), pacer_(pacer), gamepads_(gamepads) {}
 
   bool handleEvents() override {
-    if (!drainEvents(view_, canvas_, pacer_, gamepads_)) return false;
+    if (!drainEvents(view_, window_, canvas_, pacer_, gamepads_)) return false;
     window_.postFullScreenChanges(view_.notificationCenter());
+    followWindowSize(view_, window_);
     return true;
   }
   double now() override { return secondsNow(); }

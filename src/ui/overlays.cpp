@@ -1,10 +1,13 @@
 // The computed texts of the pages: the settings read-outs, the game-over lines with their taunt,
 // and the full-screen button's title with the two window notifications that keep it right.
+#include <charconv>
+#include <iostream>
 #include <string>
 
 #include "engine/checked.hpp"
 #include "engine/view.hpp"
 #include "scene/game_scene.hpp"
+#include "settings/preference_keys.hpp"
 
 namespace zb {
 namespace {
@@ -14,6 +17,15 @@ constexpr float kPercent = 100.0f;
 
 const char* onOff(bool value) { return value ? "On" : "Off"; }
 
+// The stop that follows is a bare trap with nothing on standard error; this line tells the player
+// which stored value caused it and where to mend it.
+void reportUnshowableVolume(float volume, const Preferences& store) {
+  char number[64];
+  const auto end = std::to_chars(number, number + sizeof number, volume).ptr;
+  std::cerr << "zindlebop: cannot show the music volume " << std::string_view(number, end) << " stored under "
+            << kMusicVolumeKey << " in " << store.whereKept() << "; stopping" << std::endl;
+}
+
 }  // namespace
 
 void GameScene::refreshSettingsTexts() {
@@ -22,6 +34,9 @@ void GameScene::refreshSettingsTexts() {
   // The product is taken in single precision and truncated, so a volume just under 0.8 reads 79.
   // A foreign value from the store (NaN, infinite, huge) stops the program rather than lying.
   const float percent = settingMusicVolume * kPercent;
+  if (!truncatesToInt64(static_cast<double>(percent))) {
+    reportUnshowableVolume(settingMusicVolume, *services().preferences);
+  }
   const int64_t shown = checkedTruncate(static_cast<double>(percent));
   volumeLabel->setText("Volume: " + std::to_string(shown) + "%");
 }

@@ -35,8 +35,8 @@ TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceIncludingAStartInFullScree
   ASSERT_NE(window, nullptr) << error;
   window->postFullScreenChanges(center);
   window->toggleFullScreen();
-  EXPECT_TRUE(window->isFullScreen());
   window->postFullScreenChanges(center);
+  EXPECT_TRUE(window->isFullScreen());
   window->postFullScreenChanges(center);
   window->toggleFullScreen();
   window->postFullScreenChanges(center);
