@@ -6,7 +6,7 @@ set -euo pipefail
 build_packages=(build-essential cmake ninja-build pkg-config libsdl2-dev libsdl2-mixer-dev
   libcairo2-dev libpango1.0-dev libglib2.0-dev libx11-dev fonts-dejavu-core)
 test_packages=(libgtest-dev libgmock-dev libbenchmark-dev xvfb xauth sox libsox-fmt-mp3 python3
-  clang libclang-rt-14-dev)
+  clang libclang-rt-14-dev xdotool x11-utils openbox)
 
 wanted=("${build_packages[@]}")
 if [[ "${1:-}" == "test" ]]; then
