@@ -17,7 +17,7 @@ bool hasProgram(const std::string& name) {
 // Starts the game (and the window manager, if any), presses Alt+Return `presses` times as fast as
 // X can take them, reports the window's geometry, destroys the window from outside and reports how
 // the game ended. Runs inside xvfb-run, so $DISPLAY is the virtual one.
-const char* kSession = R"(
+const char* kSession = R"sh(
 game="$0"; wm="$1"; presses="$2"; prefs="$3"; errors=$(mktemp)
 if [ "$wm" != none ]; then "$wm" >/dev/null 2>&1 & wmpid=$!; sleep 0.5; fi
 "$game" --prefs "$prefs" --seed 3 2>"$errors" &
@@ -29,15 +29,20 @@ sleep 0.5
 keys=""; i=0
 while [ $i -lt "$presses" ]; do keys="$keys alt+Return"; i=$((i + 1)); done
 [ -n "$keys" ] && xdotool key --delay 0 $keys
-sleep 1
-xwininfo -id "$window" | sed -n 's/^ *\(Width\|Height\): */\1=/p' | tr '\n' ' '
-echo
+# A loaded machine may still be answering the requests: wait until the geometry holds for a second.
+geometry() { xwininfo -id "$window" | sed -n 's/^ *\(Width\|Height\): */\1=/p' | tr '\n' ' '; }
+previous=""; tries=0
+while [ $tries -lt 30 ]; do
+  sleep 0.5; now=$(geometry); [ "$now" = "$previous" ] && sleep 0.5 && [ "$(geometry)" = "$now" ] && break
+  previous=$now; tries=$((tries + 1))
+done
+echo "$now"
 xdotool windowclose "$window"
 wait $gamepid; echo "status=$?"
 grep -c 'X Error' "$errors"; rm -f "$errors"
 [ -n "$wmpid" ] && kill $wmpid
 exit 0
-)";
+)sh";
 
 struct SessionResult {
   int width = 0, height = 0, status = -1, xErrors = -1;
