@@ -10,7 +10,7 @@ build_packages=(
 )
 test_packages=(
   libgtest-dev libgmock-dev libbenchmark-dev python3 clang libclang-rt-14-dev
-  xvfb xauth xdotool x11-utils          # the real window under a virtual display
+  xvfb xauth xdotool x11-utils openbox  # the real window under a virtual display, with a window manager or without
   libgl1-mesa-dri libegl-mesa0          # the GL presentation path, forced onto software GL
   sox libsox-fmt-mp3 libebur128-dev     # measuring the sounds
   dbus-daemon                           # a stand-in desktop portal on a private bus

@@ -108,8 +108,12 @@ void X11Window::requestFullScreen(bool fullScreen, const SDL_Rect& bounds) {
                &message);
   } else if (fullScreen && !laidOver_ && bounds.w > 0 && bounds.h > 0) {
     // Nobody else arranges windows, so the window itself may simply cover its display.
-    SDL_GetWindowPosition(window_, &restored_.x, &restored_.y);
-    SDL_GetWindowSize(window_, &restored_.w, &restored_.h);
+    // SDL learns of a move only when the server's answer arrives, so right after a quick restore it
+    // still reports the display-sized geometry; the place from before is kept then.
+    SDL_Rect now{};
+    SDL_GetWindowPosition(window_, &now.x, &now.y);
+    SDL_GetWindowSize(window_, &now.w, &now.h);
+    if (!SDL_RectEquals(&now, &bounds) || restored_.w == 0) restored_ = now;
     XMoveResizeWindow(display, id_, bounds.x, bounds.y, static_cast<unsigned>(bounds.w),
                       static_cast<unsigned>(bounds.h));
     laidOver_ = true;
