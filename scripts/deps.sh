@@ -13,6 +13,7 @@ test_packages=(
   xvfb xauth xdotool x11-utils          # the real window under a virtual display
   sox libsox-fmt-mp3 libebur128-dev     # measuring the sounds
   dbus-daemon                           # a stand-in desktop portal on a private bus
+  nlohmann-json3-dev                    # reading the dumps
   desktop-file-utils appstream lintian man-db groff-base  # validating what an install puts in place
 )
 
