@@ -9,10 +9,11 @@
 #include <string_view>
 #include <unistd.h>
 
+#include <nlohmann/json.hpp>
+
 #include "headless/headless_session.hpp"
 #include "headless/script_command.hpp"
 #include "settings/preference_keys.hpp"
-#include "support/json_reader.hpp"
 
 namespace {
 
@@ -98,7 +99,7 @@ class Player {
     out_.str("");
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-      if (!zb::test::parseJson(line)) fail();
+      if (!nlohmann::json::accept(line)) fail();
     }
   }
 

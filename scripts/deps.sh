@@ -14,6 +14,7 @@ test_packages=(
   libgl1-mesa-dri libegl-mesa0          # the GL presentation path, forced onto software GL
   sox libsox-fmt-mp3 libebur128-dev     # measuring the sounds
   dbus-daemon                           # a stand-in desktop portal on a private bus
+  nlohmann-json3-dev                    # reading the dumps
   desktop-file-utils appstream lintian man-db groff-base  # validating what an install puts in place
 )
 

@@ -92,10 +92,10 @@ TileDifference worstTile(cairo_surface_t* a, cairo_surface_t* b) {
 
 std::vector<std::string> kindsInPicture(const Json& dump) {
   std::vector<std::string> kinds;
-  for (const Json& obstacle : dump["obstacles"].items) {
+  for (const Json& obstacle : dump["obstacles"]) {
     const Json& frame = obstacle["accumulatedFrame"];
-    if (frame[0].number >= 0 && frame[0].number + frame[2].number <= dump["size"][0].number) {
-      kinds.push_back(obstacle["type"].text);
+    if (frame[0].get<double>() >= 0 && frame[0].get<double>() + frame[2].get<double>() <= dump["size"][0].get<double>()) {
+      kinds.push_back(obstacle["type"].get<std::string>());
     }
   }
   return kinds;
@@ -117,8 +117,8 @@ TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
     const Shot& shot = kShots[i];
     SCOPED_TRACE(shot.name);
     // The picture must still show what it was chosen for; if play changed, choose new frames.
-    EXPECT_EQ(dumps[i]["gameState"].text, shot.state);
-    EXPECT_EQ(dumps[i]["currentPaletteIndex"].number, shot.palette);
+    EXPECT_EQ(dumps[i]["gameState"].get<std::string>(), shot.state);
+    EXPECT_EQ(dumps[i]["currentPaletteIndex"].get<double>(), shot.palette);
     EXPECT_EQ(kindsInPicture(dumps[i]), shot.kinds);
 
     const fs::path actual = folder.path() / (std::string(shot.name) + ".png");

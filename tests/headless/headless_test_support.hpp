@@ -8,10 +8,20 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "headless/headless_driver.hpp"
-#include "support/json_reader.hpp"
 
 namespace zb::test {
+
+// Members keep their written order, so tests can check the order of keys too.
+using Json = nlohmann::ordered_json;
+
+inline std::vector<std::string> keysOf(const Json& object) {
+  std::vector<std::string> keys;
+  for (const auto& member : object.items()) keys.push_back(member.key());
+  return keys;
+}
 
 struct HeadlessRun {
   int status = -1;
@@ -28,10 +38,7 @@ struct HeadlessRun {
   std::vector<Json> dumps() const {
     std::vector<Json> result;
     for (const std::string& line : lines()) {
-      std::string error;
-      auto json = parseJson(line, &error);
-      if (!json) throw std::runtime_error("malformed dump: " + error + "\n" + line);
-      result.push_back(*json);
+      result.push_back(Json::parse(line));
     }
     return result;
   }

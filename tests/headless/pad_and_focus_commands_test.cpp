@@ -20,21 +20,21 @@ TEST(HeadlessPadAndFocus, PadsPlayFocusPausesAndTheDumpReportsThem) {
   ASSERT_EQ(run.status, 0) << run.err;
   const auto dumps = run.dumps();
   ASSERT_EQ(dumps.size(), 7u);
-  const auto state = [&](size_t i) { return dumps[i]["gameState"].text; };
-  EXPECT_EQ(dumps[0]["gamepads"].text, "1");
-  EXPECT_FALSE(dumps[0]["reducedMotion"].boolean);
-  EXPECT_EQ(dumps[0]["gameSpeed"].number, 1);
+  const auto state = [&](size_t i) { return dumps[i]["gameState"].get<std::string>(); };
+  EXPECT_EQ(dumps[0]["gamepads"], 1);
+  EXPECT_FALSE(dumps[0]["reducedMotion"].get<bool>());
+  EXPECT_EQ(dumps[0]["gameSpeed"].get<double>(), 1);
   EXPECT_EQ(state(1), "playing");
-  EXPECT_TRUE(dumps[1]["isDucking"].boolean);
-  EXPECT_EQ(dumps[1]["playerFootAltitude"].number, 0) << "the second press of a held A jumped";
+  EXPECT_TRUE(dumps[1]["isDucking"].get<bool>());
+  EXPECT_EQ(dumps[1]["playerFootAltitude"].get<double>(), 0) << "the second press of a held A jumped";
   EXPECT_EQ(state(2), "playing");
-  EXPECT_EQ(dumps[2]["gamepads"].text, "1");
+  EXPECT_EQ(dumps[2]["gamepads"], 1);
   EXPECT_EQ(state(3), "paused");
-  EXPECT_EQ(dumps[3]["gamepads"].text, "0");
+  EXPECT_EQ(dumps[3]["gamepads"], 0);
   EXPECT_EQ(state(4), "paused");
   EXPECT_EQ(state(5), "paused");
-  EXPECT_TRUE(dumps[6]["reducedMotion"].boolean);
-  EXPECT_EQ(dumps[6]["gameSpeed"].number, 0.5);
+  EXPECT_TRUE(dumps[6]["reducedMotion"].get<bool>());
+  EXPECT_EQ(dumps[6]["gameSpeed"].get<double>(), 0.5);
 }
 
 TEST(HeadlessPadAndFocus, MalformedPadAndFocusLinesStopTheScript) {

@@ -86,7 +86,7 @@ std::string soundsOfAJump(const fs::path& binary) {
   const std::vector<Json> dumps = HeadlessRun{run.status, run.out, run.err}.dumps();
   std::string sounds;
   if (!dumps.empty()) {
-    for (const Json& sound : dumps.back()["sounds"].items) sounds += sound.text + " ";
+    for (const Json& sound : dumps.back()["sounds"]) sounds += sound.get<std::string>() + " ";
   }
   return sounds;
 }

@@ -172,8 +172,8 @@ TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
   // Autoplay is nothing but keys and frames: the same keys in a plain script give the same game.
   EXPECT_EQ(runScript(recording.script + "dump\n", options).out, first.out);
   const Json dump = first.dumps().at(0);
-  EXPECT_EQ(dump["gameState"].text, "playing");
-  EXPECT_GT(dump["highScore"].number, dump["score"].number) << "the first run scored more than the new one";
+  EXPECT_EQ(dump["gameState"].get<std::string>(), "playing");
+  EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run scored more than the new one";
 }
 
 }  // namespace
