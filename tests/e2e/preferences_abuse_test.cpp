@@ -58,7 +58,7 @@ TEST(PreferencesAbuse, ASymbolicLinkIsFollowedAndKeptWhileItsTargetIsReplaced) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_TRUE(fs::is_symlink(path));
   }
-  EXPECT_EQ(dumpsOf(runWithPrefs(link, "dump\n")).at(0)["settingShowFPS"].boolean, true);
+  EXPECT_EQ(dumpsOf(runWithPrefs(link, "dump\n")).at(0)["settingShowFPS"].get<bool>(), true);
   EXPECT_NE(readBytes(real).find("quorra_settingShowFPS=bool:true"), std::string::npos);
   EXPECT_NE(readBytes(folder.path() / "store" / "later.ini").find("bool:true"), std::string::npos);
   // The temporary file was made beside the target, and none is left behind.
@@ -115,8 +115,8 @@ TEST(PreferencesAbuse, APathThatIsNotARegularFileIsNeitherBlockedOnNorReplaced) 
     ASSERT_EQ(run.status, 0) << "a hang or a crash: " << run.err;
     const std::vector<Json> dumps = dumpsOf(run);
     ASSERT_EQ(dumps.size(), 2u);
-    EXPECT_TRUE(dumps[0]["settingShowFPS"].boolean);
-    EXPECT_FALSE(dumps[1]["settingShowFPS"].boolean);
+    EXPECT_TRUE(dumps[0]["settingShowFPS"].get<bool>());
+    EXPECT_FALSE(dumps[1]["settingShowFPS"].get<bool>());
     EXPECT_TRUE(each.stillThere(path));
     EXPECT_EQ(lineCount(run.err), 1u) << run.err;
     EXPECT_NE(run.err.find(path.string()), std::string::npos) << run.err;
@@ -133,9 +133,9 @@ TEST(PreferencesAbuse, HandEditsReadAsMeantAndWhatTheGameDoesNotKnowSurvivesASav
   BinaryRun first = runWithPrefs(file, "dump\n" + kToggleFPS);
   ASSERT_EQ(first.status, 0) << first.err;
   const Json read = dumpsOf(first).at(0);
-  EXPECT_EQ(read["settingMusicEnabled"].boolean, false);
-  EXPECT_EQ(read["settingMusicVolume"].number, 0.25f);
-  EXPECT_EQ(read["settingShowFPS"].boolean, true);
+  EXPECT_EQ(read["settingMusicEnabled"].get<bool>(), false);
+  EXPECT_EQ(read["settingMusicVolume"].get<double>(), 0.25f);
+  EXPECT_EQ(read["settingShowFPS"].get<bool>(), true);
   EXPECT_TRUE(first.err.empty()) << first.err;
 
   const std::string saved = readBytes(file);
@@ -143,8 +143,8 @@ TEST(PreferencesAbuse, HandEditsReadAsMeantAndWhatTheGameDoesNotKnowSurvivesASav
     EXPECT_NE(saved.find(kept), std::string::npos) << kept << " lost from:\n" << saved;
   }
   const Json again = dumpsOf(runWithPrefs(file, "dump\n")).at(0);
-  EXPECT_EQ(again["settingMusicEnabled"].boolean, false);
-  EXPECT_EQ(again["settingShowFPS"].boolean, false);
+  EXPECT_EQ(again["settingMusicEnabled"].get<bool>(), false);
+  EXPECT_EQ(again["settingShowFPS"].get<bool>(), false);
 }
 
 TEST(PreferencesAbuse, AnUnreadableFileIsKeptBesideTheNewOneAndThePlayerToldWhere) {
@@ -169,7 +169,7 @@ TEST(PreferencesAbuse, AnUnreadableFileIsKeptBesideTheNewOneAndThePlayerToldWher
     EXPECT_TRUE(readBytes(copies[0]) == *original);
     EXPECT_EQ(lineCount(run.err), 1u) << run.err;
     EXPECT_NE(run.err.find(copies[0].string()), std::string::npos) << run.err;
-    EXPECT_EQ(dumpsOf(runWithPrefs(file, "dump\n")).at(0)["settingShowFPS"].boolean, false);
+    EXPECT_EQ(dumpsOf(runWithPrefs(file, "dump\n")).at(0)["settingShowFPS"].get<bool>(), false);
   }
 }
 
