@@ -9,6 +9,9 @@
 #include <vector>
 
 #include "engine/notification_center.hpp"
+#include "platform/sdl_view.hpp"
+#include "platform/window_canvas.hpp"
+#include "platform/window_loop.hpp"
 
 namespace zb {
 namespace {
@@ -46,6 +49,22 @@ TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceIncludingAStartInFullScree
   ASSERT_NE(window, nullptr) << error;
   window->postFullScreenChanges(center);
   EXPECT_EQ(posted.size(), 3u) << "a window opened in full screen announces it on the first pass";
+}
+
+// Without a window manager no event may come for a change of size, and with one a size may be refused:
+// either way the scene must fill the window it is actually shown in.
+TEST_F(OffscreenVideo, TheSceneTakesTheWindowsSizeEvenWhenNoEventSaidSo) {
+  auto window = SdlWindow::open({400, 300}, false, error);
+  ASSERT_NE(window, nullptr) << error;
+  auto canvas = WindowCanvas::create(window->handle(), error);
+  ASSERT_NE(canvas, nullptr) << error;
+  SdlView view(window->sizeInPoints(), window.get(), nullptr);
+  SDL_SetWindowSize(window->handle(), 640, 480);
+  SDL_FlushEvents(SDL_FIRSTEVENT, SDL_LASTEVENT);
+  FrameLoopOptions options;
+  options.frameLimit = 1;
+  runFrameLoop(view, *window, *canvas, options);
+  EXPECT_EQ(view.size(), (Size{640, 480}));
 }
 
 }  // namespace
