@@ -9,7 +9,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include <glib.h>
 
@@ -40,6 +42,16 @@ class ScratchFile {
     fs::remove_all(folder_, ignored);
   }
   fs::path path() const { return folder_ / "preferences.ini"; }
+
+  // The copies the game keeps of files it could not read, oldest first; removed once looked at, so
+  // that every input gets a fresh name for its copy.
+  std::vector<fs::path> takeKeptCopies() const {
+    std::vector<fs::path> copies;
+    for (const auto& entry : fs::directory_iterator(folder_)) {
+      if (entry.path().filename() != path().filename()) copies.push_back(entry.path());
+    }
+    return copies;
+  }
 
  private:
   fs::path folder_;
@@ -85,6 +97,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     readEverything(store);
     before = store.dictionaryRepresentation();
     store.setInteger(1, kMarkerKey);  // writes the whole store
+  }
+  // A file the game could not read is kept beside the new one, byte for byte.
+  for (const fs::path& copy : scratch.takeKeptCopies()) {
+    std::ifstream in(copy, std::ios::binary);
+    const std::string kept{std::istreambuf_iterator<char>(in), {}};
+    if (kept != std::string(reinterpret_cast<const char*>(data), size)) fail();
+    fs::remove(copy);
   }
   zb::FilePreferences reread(file);
   readEverything(reread);
