@@ -18,22 +18,13 @@ namespace {
 using GameState = GameScene::GameState;
 
 void deliver(AttachedScene& scene, const std::vector<KeyStroke>& strokes) {
-  for (const KeyStroke& stroke : strokes) {
-    if (stroke.down) {
-      scene.press(stroke.keyCode);
-    } else {
-      scene.release(stroke.keyCode);
-    }
-  }
+  for (const KeyStroke& stroke : strokes) stroke.down ? scene.press(stroke.keyCode) : scene.release(stroke.keyCode);
 }
 
 // A hand-made outline, in points above the ground line, coming at the figure in a run of its own.
 struct Outline {
   const char* name;
-  double bottom;
-  double height;
-  double width;
-  double speed;
+  double bottom, height, width, speed;
 };
 
 struct Encounter {
@@ -71,8 +62,7 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   constexpr double kSecondPressHeight = 120;
   struct Case {
     Outline outline;
-    bool jumps;
-    bool ducks;
+    bool jumps, ducks;
   };
   const Case cases[] = {
       {{"box on the ground", 0, 33, 29, 4}, true, false},
@@ -98,39 +88,6 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   EXPECT_GT(wall.highestFeet, kSecondPressHeight);
 }
 
-TEST(Autoplayer, WaitsAMomentOnAnyPageThenGetsBackIntoARun) {
-  struct Page {
-    const char* name;
-    void (*open)(GameScene&);
-  };
-  const Page pages[] = {
-      {"menu", [](GameScene& scene) { scene.showMenu(); }},
-      {"game over", [](GameScene& scene) { scene.endRun(); }},
-      {"settings", [](GameScene& scene) { scene.openSettings(); }},
-      {"paused", [](GameScene& scene) { scene.pauseGame(); }},
-  };
-  for (const Page& page : pages) {
-    AttachedScene scene;
-    scene.press(keycode::space);
-    scene.step();
-    page.open(*scene);
-    Autoplayer player;
-    int frames = 0;
-    while (scene->gameState != GameState::playing && frames < 100) {
-      deliver(scene, player.play(*scene));
-      scene.step();
-      ++frames;
-    }
-    EXPECT_EQ(scene->gameState, GameState::playing) << page.name;
-    EXPECT_GE(frames, 10) << page.name << ": a person takes a moment";
-    EXPECT_LE(frames, 60) << page.name;
-  }
-}
-
-std::string scriptLine(const KeyStroke& stroke) {
-  return std::string("key ") + (stroke.down ? "down " : "up ") + std::to_string(stroke.keyCode) + "\n";
-}
-
 // The player's keys written down as a plain script while it plays a session in process, until the
 // game has gone from the menu through a run, a crash and the next run.
 struct Recording {
@@ -148,7 +105,7 @@ Recording recordUntilSecondRun(const HeadlessOptions& options) {
   recording.states.push_back(session.scene()->gameState);
   while (recording.states.size() < 4 && recording.frames < 60'000) {
     for (const KeyStroke& stroke : player.play(*session.scene())) {
-      recording.script += scriptLine(stroke);
+      recording.script += std::string("key ") + (stroke.down ? "down " : "up ") + std::to_string(stroke.keyCode) + "\n";
       session.run(KeyCommand{stroke.down, stroke.keyCode, false});
     }
     recording.script += "step\n";

@@ -10,15 +10,6 @@ using GameState = GameScene::GameState;
 using test::AttachedScene;
 using test::SceneOptions;
 
-TEST(Lifecycle, AttachmentBuildsTheTreeInDrawingOrder) {
-  AttachedScene game;
-  GameScene& s = *game;
-  const std::vector<NodePtr> top(s.children().begin(), s.children().begin() + 4);
-  EXPECT_EQ(top, (std::vector<NodePtr>{s.backgroundGroup, s.groundLine, s.playerContainer, s.uiLayer}));
-  EXPECT_EQ(s.backgroundGroup->children(), (std::vector<NodePtr>{s.buildingGroup, s.cloudGroup, s.starGroup}));
-  EXPECT_EQ(s.backgroundMusicNode->parent(), &s);
-}
-
 TEST(Lifecycle, FullScreenTitleFollowsTheViewsWindowThroughBothNotifications) {
   AttachedScene game;
   NotificationCenter& centre = game.view->notificationCenter();

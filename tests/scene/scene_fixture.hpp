@@ -1,7 +1,6 @@
 #pragma once
-// A GameScene presented in an in-memory view, with a seeded random source, a private preferences store
-// and a folder of silent stand-in sounds, so tests drive the game by keys, clicks and frames and see
-// what it asks of its view: sounds, music volume, cursor, counters, full screen.
+// A GameScene in an in-memory view (seeded, private preferences, silent stand-in sounds): tests drive
+// it by keys, clicks and frames and see what it asks of its view.
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -23,10 +22,7 @@ namespace zb::test {
 class TestWindow final : public Window {
  public:
   bool isFullScreen() const override { return fullScreen; }
-  void toggleFullScreen() override {
-    fullScreen = !fullScreen;
-    ++toggles;
-  }
+  void toggleFullScreen() override { fullScreen = !fullScreen; ++toggles; }
   bool fullScreen = false;
   int toggles = 0;
 };
@@ -41,7 +37,6 @@ class TestSoundOutput final : public SoundOutput {
   void startLoop(const AudioNode&) override {}
   void setLoopVolume(const AudioNode&, float volume) override { loopVolume = volume; }
   void stopLoop(const AudioNode&) override {}
-  // Effects since the last call.
   std::vector<std::string> take() { return std::exchange(effects, {}); }
   std::vector<std::string> effects;
   float loopVolume = -1;
@@ -61,8 +56,7 @@ class TestView final : public View {
   bool cursorHidden = false;
 };
 
-// Empty files stand in for the sounds: the test output never decodes them. They sit in the fallback
-// folder, which plays at once rather than at the next frame, and go when the tests end.
+// Empty stand-in sounds in the fallback folder (played at once); gone when the tests end.
 inline std::filesystem::path makeSoundFolder() {
   namespace fs = std::filesystem;
   static const struct Folder {
@@ -113,7 +107,6 @@ class AttachedScene {
   void press(uint16_t keyCode, uint64_t modifiers = 0) { view->keyDown(KeyEvent{keyCode, modifiers, false}); }
   void release(uint16_t keyCode) { view->keyUp(KeyEvent{keyCode, 0, false}); }
   void click(Point pointInScene) { view->mouseDown(pointInScene); }
-  // The middle of the node's frame, in scene coordinates.
   Point centreOf(const Node& node) const { return node.parent()->convertPointTo(node.frame().center(), *scene); }
   void clickOn(const Node& node) { click(centreOf(node)); }
   Node& restartButton() const { return *scene->restartButton(); }
