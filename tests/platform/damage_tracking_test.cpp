@@ -158,42 +158,5 @@ TEST(DamageRegion, ChangedItemsDamageBothPlacesAndReorderingDamagesTheOvertaken)
   for (const Case& each : cases) EXPECT_EQ(damageBetween(each.before, each.after), each.damage) << each.what;
 }
 
-TEST(DamageRegion, AWideRectangleThatScrollsDamagesOnlyItsSides) {
-  const auto building = [](double left, uint64_t look) {
-    return DrawRecord{look, {static_cast<int>(left) - 3, 97, 406, 206}, {77, left, 100, left + 400, 300, 2}};
-  };
-  const std::vector<PixelRect> damage = damageBetween({building(100, 1)}, {building(96.5, 2)});
-  int64_t area = 0;
-  for (const PixelRect& r : damage) area += r.area();
-  EXPECT_LT(area, 206 * 30) << "far less than the building";
-  for (const int x : {95, 96, 100, 101, 496, 500, 501}) {  // both sides, where they were and are now
-    EXPECT_TRUE(std::any_of(damage.begin(), damage.end(), [&](const PixelRect& r) { return r.intersects({x, 150, 1, 1}); })) << x;
-  }
-  EXPECT_FALSE(std::any_of(damage.begin(), damage.end(), [&](const PixelRect& r) { return r.intersects({300, 150, 1, 1}); }));
-}
-
-TEST(DamageRegion, MergingCoversEveryBoxWithinTheFrameInFewBoxes) {
-  const PixelRect frame{0, 0, 1000, 500};
-  std::vector<PixelRect> boxes;
-  for (int i = 0; i < 40; ++i) boxes.push_back({i * 37 % 1100 - 50, i * 53 % 600 - 20, 30, 12});
-  const std::vector<PixelRect> merged = mergeDamage(boxes, frame, 8);
-  EXPECT_LE(merged.size(), 8u);
-  for (const PixelRect& box : boxes) {
-    const PixelRect inside = box.intersection(frame);
-    if (inside.isEmpty()) continue;
-    int64_t covered = 0;  // merged boxes may overlap, so each pixel is checked on its own
-    for (int y = inside.y; y < inside.y + inside.height; ++y) {
-      for (int x = inside.x; x < inside.x + inside.width; ++x) {
-        covered += std::any_of(merged.begin(), merged.end(), [&](const PixelRect& m) {
-          return m.intersects(PixelRect{x, y, 1, 1});
-        });
-      }
-    }
-    EXPECT_EQ(covered, inside.area());
-  }
-  for (const PixelRect& m : merged) EXPECT_EQ(m.intersection(frame), m);
-  EXPECT_TRUE(mergeDamage({{2000, 0, 5, 5}}, frame, 8).empty());
-}
-
 }  // namespace
 }  // namespace zb::test

