@@ -24,8 +24,7 @@ if [ "$wm" != none ]; then "$wm" >/dev/null 2>&1 & wmpid=$!; sleep 0.5; fi
 gamepid=$!
 window=$(timeout 30 xdotool search --sync --name '^Zindlebop$' | head -n 1)
 xdotool windowactivate --sync "$window" 2>/dev/null || xdotool windowfocus --sync "$window"
-# A window manager takes a new window in hand a moment after it appears, and ignores requests before:
-# wait until it has marked the window as managed.
+# A window manager ignores requests until it has marked the new window as managed.
 if [ "$wm" != none ]; then
   tries=0
   until xprop -id "$window" WM_STATE 2>/dev/null | grep -q Normal || [ $tries -ge 100 ]; do
@@ -36,7 +35,7 @@ sleep 0.5
 keys=""; i=0
 while [ $i -lt "$presses" ]; do keys="$keys alt+Return"; i=$((i + 1)); done
 [ -n "$keys" ] && xdotool key --delay 0 $keys
-# A loaded machine may still be answering the requests: wait until the geometry holds for a second.
+# Wait until the geometry holds for a second.
 geometry() { xwininfo -id "$window" | sed -n 's/^ *\(Width\|Height\): */\1=/p' | tr '\n' ' '; }
 previous=""; tries=0
 while [ $tries -lt 30 ]; do

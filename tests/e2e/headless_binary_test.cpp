@@ -34,13 +34,11 @@ TEST(HeadlessBinary, AScriptFileRunsToWellFormedDumps) {
   EXPECT_EQ(states[1]["gameState"].get<std::string>(), "playing");
   const BinaryRun again = runBinary(headless({"--seed", "1", "--script", (folder.path() / "menu.txt").string()}));
   EXPECT_EQ(again.out, run.out) << "the same seed gives the same output, byte for byte";
+  const BinaryRun missing = runBinary(headless({"--script", "/nonexistent/zindlebop.script"}));
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_NE(missing.err.find("/nonexistent/zindlebop.script"), std::string::npos) << missing.err;
 }
 
-TEST(HeadlessBinary, AMissingScriptExitsWithTwoAndSaysWhy) {
-  const BinaryRun run = runBinary(headless({"--script", "/nonexistent/zindlebop.script"}));
-  EXPECT_EQ(run.status, 2);
-  EXPECT_NE(run.err.find("/nonexistent/zindlebop.script"), std::string::npos) << run.err;
-}
 
 TEST(HeadlessBinary, ScreenshotsDecodeAsPngsOfTheScenesSize) {
   TempFolder folder("zb-e2e-shot");

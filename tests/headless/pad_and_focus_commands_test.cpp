@@ -38,8 +38,7 @@ TEST(HeadlessPadAndFocus, PadsPlayFocusPausesAndTheDumpReportsThem) {
 }
 
 TEST(HeadlessPadAndFocus, MalformedPadAndFocusLinesStopTheScript) {
-  for (const char* line : {"pad", "pad shake", "pad down z", "pad up", "pad axis lefty 1.5", "pad axis tilt 0",
-                           "pad axis leftx", "pad add 2", "focus", "focus elsewhere"}) {
+  for (const char* line : {"pad shake", "pad down z", "pad axis lefty 1.5", "pad add 2", "focus elsewhere"}) {
     HeadlessRun run = runScript(std::string("launch\n") + line + "\ndump\n");
     EXPECT_EQ(run.status, 2) << line;
     EXPECT_EQ(run.err.rfind("line 2: ", 0), 0u) << line << ": " << run.err;

@@ -41,13 +41,14 @@ TEST(InstalledTree, OneIdNamesTheEntryTheLaunchableTheIconsAndTheWindowClass) {
   }
 }
 
-TEST(InstalledTree, MetainfoNamesThisVersionAndScreenshotsThatExist) {
-  InstalledTree tree("zb-install-metainfo");
+TEST(InstalledTree, MetainfoAndManPageNameThisVersionAndWhatExists) {
+  if (!hasProgram("man")) GTEST_SKIP() << "man is not installed";
+  InstalledTree tree("zb-install-man");
   ASSERT_TRUE(tree.installed()) << tree.log();
+  const fs::path binary = tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop";
+  const std::string version = runBinary({binary.string(), "--version"}).out;
   const std::string metainfo = readText(tree.metainfo());
-  const BinaryRun version = runBinary({(tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop").string(), "--version"});
-  EXPECT_EQ(firstMatch(metainfo, R"re(<release version="([^"]*)")re"), firstMatch(version.out, R"(zindlebop (\S+))"));
-
+  EXPECT_EQ(firstMatch(metainfo, R"re(<release version="([^"]*)")re"), firstMatch(version, R"(zindlebop (\S+))"));
   // Each screenshot is a picture in this repository at the address the home page serves it from.
   const std::string home = firstMatch(metainfo, R"(<url type="homepage">([^<]*)<)");
   const std::regex image(R"re(<image type="source" width="(\d+)" height="(\d+)">([^<]*)<)re");
@@ -60,19 +61,12 @@ TEST(InstalledTree, MetainfoNamesThisVersionAndScreenshotsThatExist) {
     EXPECT_EQ(picture.height, std::stoi((*it)[2].str())) << url;
   }
   EXPECT_GE(screenshots, 1);
-}
-
-TEST(InstalledTree, ManPageReadsWithoutWarningsAndCoversEveryOption) {
-  if (!hasProgram("man")) GTEST_SKIP() << "man is not installed";
-  InstalledTree tree("zb-install-man");
-  ASSERT_TRUE(tree.installed()) << tree.log();
   const fs::path page = tree.prefix() / ZB_INSTALL_MANDIR / "man6" / "zindlebop.6.gz";
   const BinaryRun man = runTool({"LC_ALL=C", "MANWIDTH=80", "man", "--warnings", "-l", page.string()});
   EXPECT_EQ(man.status, 0);
   EXPECT_EQ(man.err, "");
-  const std::string version = runBinary({(tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop").string(), "--version"}).out;
   EXPECT_NE(man.out.find(version.substr(0, version.find('\n'))), std::string::npos) << "the page is not of " << version;
-  const BinaryRun help = runBinary({(tree.prefix() / ZB_INSTALL_BINDIR / "zindlebop").string(), "--help"});
+  const BinaryRun help = runBinary({binary.string(), "--help"});
   const std::regex option("--[a-z]+");
   for (std::sregex_iterator it(help.out.begin(), help.out.end(), option), end; it != end; ++it) {
     EXPECT_NE(man.out.find(it->str()), std::string::npos) << it->str() << " is not in the man page";
