@@ -17,14 +17,7 @@ sizes=("$@")
 [[ ${#sizes[@]} -gt 0 ]] || sizes=(1920x1080 3840x2160)
 startup_frames=2
 
-command -v Xvfb >/dev/null 2>&1 || { echo "frame_cpu.sh: Xvfb is missing" >&2; exit 1; }
-scratch=$(mktemp -d)
-xvfb_pid=""
-cleanup() {
-  [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
-  rm -rf "$scratch"
-}
-trap cleanup EXIT
+source "$(dirname "$0")/virtual_display.sh"
 
 # Milliseconds of user+system time of one run of N frames.
 cpu_ms() {
@@ -36,13 +29,7 @@ cpu_ms() {
 
 printf '%-10s %8s %14s %14s\n' size frames ms/frame %core@60
 for size in "${sizes[@]}"; do
-  Xvfb -displayfd 9 -screen 0 "${size}x24" -nolisten tcp 9>"$scratch/display" 2>/dev/null &
-  xvfb_pid=$!
-  for _ in $(seq 50); do
-    [[ -s $scratch/display ]] && break
-    sleep 0.1
-  done
-  display=":$(head -n1 "$scratch/display")"
+  start_display "$size"
   for _ in $(seq "$repeats"); do
     rm -f "$scratch/prefs.ini"
     base=$(cpu_ms "$startup_frames")
@@ -53,7 +40,5 @@ for size in "${sizes[@]}"; do
       printf "%-10s %8d %14.3f %14.2f\n", s, n, per, per * 60 / 10
     }'
   done
-  kill "$xvfb_pid"
-  wait "$xvfb_pid" 2>/dev/null || true
-  xvfb_pid=""
+  stop_display
 done

@@ -17,29 +17,11 @@ sizes=("$@")
 [[ ${#sizes[@]} -gt 0 ]] || sizes=(1920x1080 3840x2160)
 warm_up=2  # start-up (fonts, the first full frame) is not what is measured
 
-command -v Xvfb >/dev/null 2>&1 || { echo "windowed_frames.sh: Xvfb is missing" >&2; exit 1; }
-scratch=$(mktemp -d)
-xvfb_pid=""
-cleanup() {
-  [[ -n $xvfb_pid ]] && kill "$xvfb_pid" 2>/dev/null
-  rm -rf "$scratch"
-}
-trap cleanup EXIT
+source "$(dirname "$0")/virtual_display.sh"
 ticks=$(getconf CLK_TCK)
 
 cpu_ticks() {  # utime + stime of a process
   awk '{ print $14 + $15 }' "/proc/$1/stat"
-}
-
-start_display() {  # sets display and xvfb_pid
-  local size=$1
-  Xvfb -displayfd 9 -screen 0 "${size}x24" -nolisten tcp 9>"$scratch/display" 2>/dev/null &
-  xvfb_pid=$!
-  for _ in $(seq 50); do
-    [[ -s $scratch/display ]] && break
-    sleep 0.1
-  done
-  display=":$(head -n1 "$scratch/display")"
 }
 
 # One run: prints "game% x% steps/s frames/s rssMB".
@@ -76,7 +58,5 @@ for size in "${sizes[@]}"; do
     read -r game_cpu x_cpu steps frames rss < <(measure "$present" "$damage")
     printf '%-10s %-26s %7s %7s %8s %8s %7s\n' "$size" "$label" "$game_cpu" "$x_cpu" "$steps" "$frames" "$rss"
   done
-  kill "$xvfb_pid"
-  wait "$xvfb_pid" 2>/dev/null || true
-  xvfb_pid=""
+  stop_display
 done

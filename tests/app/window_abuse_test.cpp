@@ -10,10 +10,6 @@
 namespace zb::test {
 namespace {
 
-bool hasProgram(const std::string& name) {
-  return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
-}
-
 // Starts the game (and the window manager, if any), presses Alt+Return `presses` times as fast as
 // X can take them, reports the window's geometry, destroys the window from outside and reports how
 // the game ended. Runs inside xvfb-run, so $DISPLAY is the virtual one.

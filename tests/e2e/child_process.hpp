@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,11 @@
 extern char** environ;
 
 namespace zb::test {
+
+// Whether a program is on the PATH, for tests that need a tool the machine may lack.
+inline bool hasProgram(const std::string& name) {
+  return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
+}
 
 class ChildProcess {
  public:

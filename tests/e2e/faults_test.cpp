@@ -9,6 +9,7 @@
 
 #include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
+#include "support/files.hpp"
 
 namespace zb::test {
 namespace {
@@ -23,20 +24,6 @@ std::vector<std::string> headless(std::vector<std::string> options) {
 }
 
 std::vector<Json> dumpsOf(const BinaryRun& run) { return HeadlessRun{run.status, run.out, run.err}.dumps(); }
-
-std::string readBytes(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void writeBytes(const fs::path& file, const std::string& bytes) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << bytes;
-}
-
-bool hasProgram(const std::string& name) {
-  return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
-}
 
 TEST(Faults, WithoutAnAudioDeviceTheWindowedGamePlaysOnSilently) {
   if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";

@@ -15,6 +15,7 @@
 #include <iterator>
 
 #include "e2e/child_process.hpp"
+#include "support/files.hpp"
 #include "headless/headless_test_support.hpp"
 
 namespace zb::test {
@@ -27,16 +28,6 @@ BinaryRun runWithPrefs(const fs::path& file, const std::string& script) {
 }
 
 std::vector<Json> dumpsOf(const BinaryRun& run) { return HeadlessRun{run.status, run.out, run.err}.dumps(); }
-
-std::string readBytes(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-void writeBytes(const fs::path& file, const std::string& bytes) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary) << bytes;
-}
 
 size_t lineCount(const std::string& text) { return static_cast<size_t>(std::count(text.begin(), text.end(), '\n')); }
 

@@ -17,10 +17,6 @@ namespace zb::test {
 
 namespace fs = std::filesystem;
 
-inline bool hasProgram(const std::string& name) {
-  return std::system(("command -v " + name + " >/dev/null 2>&1").c_str()) == 0;
-}
-
 // Runs a program found on the PATH.
 inline BinaryRun runTool(std::vector<std::string> arguments, std::string_view input = {}) {
   arguments.insert(arguments.begin(), "/usr/bin/env");
