@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
+#include <string>
 
 namespace zb {
 namespace {
@@ -48,37 +50,28 @@ GDBusMessage* answer(GDBusConnection* bus, GDBusMessage* call, gboolean incoming
   return nullptr;
 }
 
-class StandInPortal {
- public:
-  explicit StandInPortal(Portal portal) : portal_(portal) {
-    bus_ = g_dbus_connection_new_for_address_sync(
-        g_getenv("DBUS_SESSION_BUS_ADDRESS"),
-        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-        nullptr, nullptr, nullptr);
-    g_dbus_connection_add_filter(bus_, answer, &portal_, nullptr);
-    GVariant* owned = g_dbus_connection_call_sync(bus_, "org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                  "org.freedesktop.DBus", "RequestName",
-                                                  g_variant_new("(su)", "org.freedesktop.portal.Desktop", 0u),
-                                                  nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    if (owned != nullptr) g_variant_unref(owned);
-  }
-  ~StandInPortal() {
-    g_dbus_connection_close_sync(bus_, nullptr, nullptr);
-    g_object_unref(bus_);
-  }
-
- private:
-  Portal portal_;
-  GDBusConnection* bus_;
-};
+// Puts a stand-in portal on the private bus until the returned connection goes.
+std::unique_ptr<GDBusConnection, void (*)(GDBusConnection*)> standInPortal(const Portal& portal) {
+  GDBusConnection* bus = g_dbus_connection_new_for_address_sync(
+      g_getenv("DBUS_SESSION_BUS_ADDRESS"),
+      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+      nullptr, nullptr, nullptr);
+  g_dbus_connection_add_filter(bus, answer, const_cast<Portal*>(&portal), nullptr);
+  GVariant* owned = g_dbus_connection_call_sync(bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                "org.freedesktop.DBus", "RequestName",
+                                                g_variant_new("(su)", "org.freedesktop.portal.Desktop", 0u), nullptr,
+                                                G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+  if (owned != nullptr) g_variant_unref(owned);
+  return {bus, [](GDBusConnection* gone) {
+            g_dbus_connection_close_sync(gone, nullptr, nullptr);
+            g_object_unref(gone);
+          }};
+}
 
 TEST(DesktopMotion, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAreOff) {
-  if (gchar* daemon = g_find_program_in_path("dbus-daemon")) {
-    g_free(daemon);
-  } else {
-    GTEST_SKIP() << "dbus-daemon is not installed";
-  }
+  g_autofree gchar* daemon = g_find_program_in_path("dbus-daemon");
+  if (daemon == nullptr) GTEST_SKIP() << "dbus-daemon is not installed";
   GTestDBus* bus = g_test_dbus_new(G_TEST_DBUS_NONE);
   g_test_dbus_up(bus);
   EXPECT_FALSE(desktopRequestsReducedMotion()) << "no portal on the bus";
@@ -92,7 +85,7 @@ TEST(DesktopMotion, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAr
       {{.animations = false, .answers = false}, false},
   };
   for (const auto& c : cases) {
-    StandInPortal portal(c.portal);
+    const auto portal = standInPortal(c.portal);
     EXPECT_EQ(desktopRequestsReducedMotion(), c.requested)
         << "animations " << c.portal.animations << ", ReadOne " << c.portal.hasReadOne << ", answers " << c.portal.answers;
   }

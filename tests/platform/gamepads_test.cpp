@@ -25,7 +25,6 @@ class VirtualPads : public testing::Test {
     ASSERT_EQ(SDL_Init(SDL_INIT_JOYSTICK | SDL_INIT_EVENTS), 0) << SDL_GetError();
   }
   void TearDown() override {
-    for (SDL_Joystick* joystick : held_) SDL_JoystickClose(joystick);
     pads.reset();
     SDL_Quit();
   }
@@ -39,7 +38,7 @@ class VirtualPads : public testing::Test {
     desc.nbuttons = kGamepadButtonCount;
     const int index = SDL_JoystickAttachVirtualEx(&desc);
     EXPECT_GE(index, 0) << SDL_GetError();
-    return held_.emplace_back(SDL_JoystickOpen(index));
+    return SDL_JoystickOpen(index);  // SDL_Quit closes it
   }
   void detach(SDL_Joystick* joystick) {
     for (int i = 0; i < SDL_NumJoysticks(); ++i) {
@@ -63,7 +62,6 @@ class VirtualPads : public testing::Test {
 
   test::AttachedScene game;
   std::optional<SdlGamepads> pads;
-  std::vector<SDL_Joystick*> held_;
 };
 
 TEST_F(VirtualPads, PadsAtStartAndLaterOnesCountTheFirstPlaysAndLosingItMidRunPauses) {
@@ -87,10 +85,6 @@ TEST_F(VirtualPads, PadsAtStartAndLaterOnesCountTheFirstPlaysAndLosingItMidRunPa
   EXPECT_FALSE(game->isDucking) << "a pad that is gone holds nothing";
   tap(second, SDL_CONTROLLER_BUTTON_A);  // the remaining pad takes over
   EXPECT_EQ(game->gameState, State::playing);
-
-  detach(second);
-  EXPECT_EQ(connected(), 0u);
-  EXPECT_EQ(game->gameState, State::paused);
 }
 
 TEST_F(VirtualPads, EveryMappedButtonDoesWhatItsKeyDoesTheRestNothingAndTheStickDucksPastHalfWay) {
