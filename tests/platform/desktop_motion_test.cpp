@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 namespace zb {
@@ -24,12 +23,10 @@ GDBusMessage* answer(GDBusConnection* bus, GDBusMessage* call, gboolean incoming
   if (!incoming || g_dbus_message_get_message_type(call) != G_DBUS_MESSAGE_TYPE_METHOD_CALL) return call;
   const std::string method = g_dbus_message_get_member(call);
   GVariant* body = g_dbus_message_get_body(call);
-  const gchar *space = "", *key = "";
-  if (body != nullptr && g_variant_is_of_type(body, G_VARIANT_TYPE("(ss)"))) g_variant_get(body, "(&s&s)", &space, &key);
+  g_autofree gchar* arguments = body != nullptr ? g_variant_print(body, FALSE) : nullptr;
   const bool asksAnimations = g_strcmp0(g_dbus_message_get_path(call), "/org/freedesktop/portal/desktop") == 0 &&
                               g_strcmp0(g_dbus_message_get_interface(call), "org.freedesktop.portal.Settings") == 0 &&
-                              g_strcmp0(space, "org.gnome.desktop.interface") == 0 &&
-                              g_strcmp0(key, "enable-animations") == 0;
+                              g_strcmp0(arguments, "('org.gnome.desktop.interface', 'enable-animations')") == 0;
   GDBusMessage* reply = nullptr;
   if (method == "ReadOne" && !portal.hasReadOne) {
     reply = g_dbus_message_new_method_error(call, "org.freedesktop.DBus.Error.UnknownMethod", "no ReadOne");
@@ -42,16 +39,14 @@ GDBusMessage* answer(GDBusConnection* bus, GDBusMessage* call, gboolean incoming
     reply = g_dbus_message_new_method_reply(call);
     g_dbus_message_set_body(reply, g_variant_new("(v)", value));
   }
-  if (reply != nullptr) {
-    g_dbus_connection_send_message(bus, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
-    g_object_unref(reply);
-  }
+  if (reply != nullptr) g_dbus_connection_send_message(bus, reply, G_DBUS_SEND_MESSAGE_FLAGS_NONE, nullptr, nullptr);
+  g_clear_object(&reply);
   g_object_unref(call);
   return nullptr;
 }
 
-// Puts a stand-in portal on the private bus until the returned connection goes.
-std::unique_ptr<GDBusConnection, void (*)(GDBusConnection*)> standInPortal(const Portal& portal) {
+// Puts a stand-in portal on the private bus until the returned connection closes.
+GDBusConnection* standInPortal(const Portal& portal) {
   GDBusConnection* bus = g_dbus_connection_new_for_address_sync(
       g_getenv("DBUS_SESSION_BUS_ADDRESS"),
       static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
@@ -63,16 +58,13 @@ std::unique_ptr<GDBusConnection, void (*)(GDBusConnection*)> standInPortal(const
                                                 g_variant_new("(su)", "org.freedesktop.portal.Desktop", 0u), nullptr,
                                                 G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
   if (owned != nullptr) g_variant_unref(owned);
-  return {bus, [](GDBusConnection* gone) {
-            g_dbus_connection_close_sync(gone, nullptr, nullptr);
-            g_object_unref(gone);
-          }};
+  return bus;
 }
 
 TEST(DesktopMotion, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAreOff) {
   g_autofree gchar* daemon = g_find_program_in_path("dbus-daemon");
   if (daemon == nullptr) GTEST_SKIP() << "dbus-daemon is not installed";
-  GTestDBus* bus = g_test_dbus_new(G_TEST_DBUS_NONE);
+  g_autoptr(GTestDBus) bus = g_test_dbus_new(G_TEST_DBUS_NONE);
   g_test_dbus_up(bus);
   EXPECT_FALSE(desktopRequestsReducedMotion()) << "no portal on the bus";
   const struct {
@@ -85,12 +77,12 @@ TEST(DesktopMotion, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAr
       {{.animations = false, .answers = false}, false},
   };
   for (const auto& c : cases) {
-    const auto portal = standInPortal(c.portal);
-    EXPECT_EQ(desktopRequestsReducedMotion(), c.requested)
-        << "animations " << c.portal.animations << ", ReadOne " << c.portal.hasReadOne << ", answers " << c.portal.answers;
+    GDBusConnection* portal = standInPortal(c.portal);
+    EXPECT_EQ(desktopRequestsReducedMotion(), c.requested) << "case " << &c - cases;
+    g_dbus_connection_close_sync(portal, nullptr, nullptr);
+    g_object_unref(portal);
   }
   g_test_dbus_down(bus);
-  g_object_unref(bus);
 
   setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/zindlebop-bus", 1);
   EXPECT_FALSE(desktopRequestsReducedMotion()) << "no bus";

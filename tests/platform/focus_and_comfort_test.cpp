@@ -45,7 +45,6 @@ TEST(WindowEvents, LookingAwayMidRunPausesSilentlyAndComingBackDoesNotResume) {
     reach(game, State::playing);
     windowEvent(game, away);
     EXPECT_EQ(game->gameState, State::paused) << away;
-    EXPECT_TRUE(game->paused);
     EXPECT_TRUE(game.sounds().empty());
     windowEvent(game, SDL_WINDOWEVENT_FOCUS_GAINED);
     windowEvent(game, SDL_WINDOWEVENT_RESTORED);
@@ -83,7 +82,6 @@ TEST(ReducedMotion, OnlyTheInterfaceShakeAtACrashGoesAndTheStoreWinsOverTheDeskt
   test::AttachedScene still(options);
   EXPECT_EQ(interfaceSwayAfterCrash(still), 0);
   EXPECT_EQ(still->gameState, State::gameOver) << "the rest of the crash is as before";
-  EXPECT_FALSE(still->gameOverOverlay->hidden);
 
   MemoryPreferences store;
   EXPECT_TRUE(readComfortOptions(store, true).reducedMotion) << "with nothing stored, the desktop decides";
@@ -121,7 +119,6 @@ TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
 
 TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
   for (const auto& [speed, hz, vsync] : {std::tuple{0.5, 144.0, false}, {0.75, 60.0, true}}) {
-    SCOPED_TRACE(testing::Message() << speed << " at " << hz);
     FramePacer pacer(vsync);
     pacer.setSpeed(speed);
     double now = 50;
@@ -133,7 +130,7 @@ TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
       EXPECT_LE(due, 1) << "a slower game never needs to catch up at a steady frame rate";
       steps += due;
     }
-    EXPECT_NEAR(steps, 60 * speed * 10, 1);
+    EXPECT_NEAR(steps, 60 * speed * 10, 1) << speed << " at " << hz << " Hz";
   }
 }
 
