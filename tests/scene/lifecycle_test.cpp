@@ -13,15 +13,12 @@ using test::SceneOptions;
 TEST(Lifecycle, FullScreenTitleFollowsTheViewsWindowThroughBothNotifications) {
   AttachedScene game;
   NotificationCenter& centre = game.view->notificationCenter();
-  test::TestWindow& window = game.view->testWindow;
-  window.fullScreen = true;
   int otherWindow = 0;
   centre.post(kWindowDidEnterFullScreenNotification, &otherWindow);
   EXPECT_EQ(game->fullscreenButton->text(), "Full Screen") << "another window's news is ignored";
-  centre.post(kWindowDidEnterFullScreenNotification, &window);
+  game.view->virtualWindow().toggleNow();
   EXPECT_EQ(game->fullscreenButton->text(), "Exit Full Screen");
-  window.fullScreen = false;
-  centre.post(kWindowDidExitFullScreenNotification, &window);
+  game.view->virtualWindow().toggleNow();
   EXPECT_EQ(game->fullscreenButton->text(), "Full Screen");
   game.view->dismissScene();
   EXPECT_EQ(centre.observerCount(), 0u);
@@ -37,7 +34,7 @@ TEST(Lifecycle, NothingMovesWhilePausedAndEachRunStartsAfresh) {
   EXPECT_EQ(s.score, 30) << "nothing moves while paused";
   s.obstacleSpeed = 9;
   s.playerContainer->position = {1, 2};
-  game.clickOn(game.restartButton());
+  game.clickOn(*s.restartButton());
   EXPECT_EQ(s.score, 0);
   EXPECT_EQ(s.obstacleSpeed, 4.0);
   EXPECT_TRUE(s.spawnTimerFrames >= 72 && s.spawnTimerFrames <= 150) << s.spawnTimerFrames;

@@ -1,10 +1,8 @@
 // The best score and the three settings as a launch reads them and the frame-rate toggle writes them.
 // Keys are spelled out here on purpose: they are what other copies of the game read.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <bit>
-#include <filesystem>
 
 #include "platform/preferences_file.hpp"
 #include "scene/scene_fixture.hpp"
@@ -37,9 +35,8 @@ TEST(Settings, ALaunchTakesStoredValuesEvenFalseAndZeroAndDefaultsForTheRest) {
 
 // Quit and relaunch with the real preferences file: a volume off the tenths comes back exactly.
 TEST(Settings, SavingWritesTheThreeSettingsAndARelaunchReadsThemBackBitForBit) {
-  const auto folder = std::filesystem::temp_directory_path() / ("zb-settings-" + std::to_string(::getpid()));
-  const auto file = folder / "zindlebop" / "preferences.ini";
-  std::filesystem::remove_all(folder);
+  const test::TempFolder folder("zb-settings");
+  const auto file = folder.path() / "zindlebop" / "preferences.ini";
   {
     AttachedScene game(SceneOptions{.preferences = std::make_shared<FilePreferences>(file)});
     game->settingShowFPS = true;
@@ -55,7 +52,6 @@ TEST(Settings, SavingWritesTheThreeSettingsAndARelaunchReadsThemBackBitForBit) {
   EXPECT_TRUE(relaunched->settingShowFPS);
   EXPECT_FALSE(relaunched->settingMusicEnabled);
   EXPECT_EQ(std::bit_cast<uint32_t>(relaunched->settingMusicVolume), std::bit_cast<uint32_t>(0.70000005f));
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace
