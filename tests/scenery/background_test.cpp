@@ -1,8 +1,6 @@
-// The skyline and the clouds: what attachment builds from the scene's random source, and how they
-// drift and wrap.
+// The skyline and the clouds: how they drift and wrap.
 #include <gtest/gtest.h>
 
-#include "engine/random.hpp"
 #include "scene/scene_fixture.hpp"
 
 namespace zb {
