@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numbers>
-
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
 
@@ -47,26 +45,6 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   cloud->addChild(square);
   EXPECT_EQ(cloud->frame(), Rect::make(30, 40, 0, 0));
   EXPECT_EQ(cloud->calculateAccumulatedFrame(), Rect::make(10, 35, 40, 10));
-}
-
-TEST(NodeConversionTest, PointsConvertBetweenAnyTwoNodesOfATree) {
-  auto scene = std::make_shared<Scene>(Size{800, 400});
-  auto layer = std::make_shared<Node>();
-  layer->position = {100, 50};
-  layer->xScale = 2;
-  auto leaf = std::make_shared<Node>();
-  leaf->position = {10, 10};
-  leaf->zRotation = std::numbers::pi / 2;
-  auto other = std::make_shared<Node>();
-  other->position = {-40, 0};
-  scene->addChild(layer);
-  layer->addChild(leaf);
-  scene->addChild(other);
-
-  const Point inOther = leaf->convertPointTo({1, 0}, *other);
-  EXPECT_NEAR(inOther.x, 160, 1e-9);
-  EXPECT_NEAR(inOther.y, 61, 1e-9);
-  EXPECT_NEAR(leaf->convertPointFrom(inOther, *other).x, 1, 1e-9);
 }
 
 TEST(NodesAtPointTest, SkipsHiddenPagesAndListsChildrenFirstThenLaterSiblings) {

