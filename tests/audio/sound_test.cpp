@@ -21,7 +21,7 @@ fs::path resourcesWith(const std::string& name) {
   return root.touch(name + "/" + name + ".mp3").parent_path();
 }
 
-TEST(Sound, EffectsPlayFromTheResourcesAtTheNextFrameOrFromTheFallbackAtOnceOrNotAtAll) {
+TEST(Sound, EffectsAndMusicComeFromTheResourcesFirstThenTheFallbackOrNotAtAll) {
   AttachedScene both(SceneOptions{.resources = resourcesWith("jump")});
   both->playSFX("jump", both->fallbackPath("jump.mp3"));
   EXPECT_TRUE(both.sounds().empty()) << "a resource plays through an action";
@@ -30,18 +30,21 @@ TEST(Sound, EffectsPlayFromTheResourcesAtTheNextFrameOrFromTheFallbackAtOnceOrNo
   both->paused = true;
   both->playSFX("click", both->fallbackPath("click.mp3"));
   EXPECT_EQ(both.sounds(), Sounds{"click"}) << "a fallback file plays at once, even while paused";
+  const AudioNode& music = *both->backgroundMusicNode;
+  EXPECT_EQ(music.file(), test::makeSoundFolder() / "bg-music.mp3");
+  EXPECT_TRUE(music.autoplayLooped && music.isPlaying());
+  AttachedScene fromResources(SceneOptions{.resources = resourcesWith("bg-music")});
+  EXPECT_EQ(fromResources->backgroundMusicNode->file(), resourcesWith("bg-music") / "bg-music.mp3");
 
   AttachedScene none(SceneOptions{.withSounds = false});
   EXPECT_EQ(none->fallbackPath("click.mp3"), fs::path());
   EXPECT_EQ(none->backgroundMusicNode, nullptr);
-  none->playSFX("click", test::makeSoundFolder() / "gone.mp3");
-  none->playSFX("click", test::makeSoundFolder());  // a folder is no sound
   none.press(keycode::space);
   none.runUntilCrash();
   EXPECT_TRUE(none.sounds().empty());
 }
 
-TEST(Sound, TheSameLaughNeverPlaysTwiceInARowAndOnlyFoundLaughsPlay) {
+TEST(Sound, TheSameLaughNeverPlaysTwiceInARow) {
   AttachedScene game;
   std::multiset<std::string> played;
   std::string previous;
@@ -58,20 +61,9 @@ TEST(Sound, TheSameLaughNeverPlaysTwiceInARowAndOnlyFoundLaughsPlay) {
   game->playRandomBabyLaugh();
   game->playRandomBabyLaugh();
   EXPECT_EQ(game.sounds(), (Sounds{"baby-laugh-2", "baby-laugh-2"})) << "a lone laugh plays every time";
-  for (const std::vector<std::string>& names : {std::vector<std::string>{"baby-laugh-9"}, {}}) {
-    game->babyLaughResourceNames = names;
-    game->playRandomBabyLaugh();
-    EXPECT_TRUE(game.sounds().empty());
-  }
-}
-
-TEST(Sound, TheMusicLoopsFromTheResourcesFirstThenTheFallback) {
-  AttachedScene fromResources(SceneOptions{.resources = resourcesWith("bg-music")});
-  EXPECT_EQ(fromResources->backgroundMusicNode->file(), resourcesWith("bg-music") / "bg-music.mp3");
-  AttachedScene fromFallback;
-  const AudioNode& music = *fromFallback->backgroundMusicNode;
-  EXPECT_EQ(music.file(), test::makeSoundFolder() / "bg-music.mp3");
-  EXPECT_TRUE(music.autoplayLooped && music.isPlaying());
+  game->babyLaughResourceNames.clear();
+  game->playRandomBabyLaugh();
+  EXPECT_TRUE(game.sounds().empty());
 }
 
 // Each row: what changes the music's volume, to what, and over how many frames, read back frame by frame.

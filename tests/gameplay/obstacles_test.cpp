@@ -1,7 +1,8 @@
-// Obstacles: the spawn timer, which kinds each stage brings, where they enter, and the per-kind pool
-// that recycles nodes leaving the screen.
+// Obstacles and the score: which kinds each stage brings, where they enter, the pool that recycles
+// them, collisions at the edge of contact, the difficulty schedule and the trap past the score's limit.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <map>
 #include <set>
 
@@ -13,7 +14,10 @@ namespace {
 using T = GameScene::ObstacleType;
 
 struct Running {
-  Running() { game.press(keycode::space); }
+  Running() {
+    game.press(keycode::space);
+    s.spawnTimerFrames = 100000;  // only the obstacles a test spawns
+  }
   // Spawns `count` obstacles at the score and returns the first of each kind.
   std::map<T, GameScene::ObstacleNodePtr> spawnAt(int64_t score, int count = 300) {
     s.score = score;
@@ -23,6 +27,20 @@ struct Running {
       firstOfKind.emplace(s.obstacleNodes.back()->obstacleType, s.obstacleNodes.back());
     }
     return firstOfKind;
+  }
+  // One obstacle of the kind, alone in the scene at score 0, moved so that its frame starts at minX.
+  GameScene::ObstacleNodePtr place(T type, double minX) {
+    const auto node = spawnAt(5000)[type];
+    s.score = 0;
+    for (const auto& other : s.obstacleNodes) other->removeFromParent();
+    s.obstacleNodes = {node};
+    s.addChild(node);
+    node->position.x += minX - node->calculateAccumulatedFrame().minX();
+    return node;
+  }
+  bool hits() {
+    s.checkCollisions();
+    return s.gameState == GameScene::GameState::gameOver;
   }
   test::AttachedScene game;
   GameScene& s = *game;
@@ -64,7 +82,6 @@ TEST(Obstacles, EachKindEntersAtTheRightEdgeOnTheGroundOrAtItsAltitude) {
 TEST(Obstacles, ANodeLeavingTheScreenGoesToItsPoolAndComesBackResetAndPlacedAgain) {
   Running r;
   EXPECT_EQ(r.s.dequeueObstacle(T::barrel), nullptr) << "nothing pooled";
-  r.s.spawnTimerFrames = 1000;
   auto older = r.spawnAt(0, 1).begin()->second;
   auto newer = r.spawnAt(0, 1).begin()->second;
   // After the next move the older one's centre plus its whole width is exactly -10: it stays.
@@ -89,6 +106,62 @@ TEST(Obstacles, ANodeLeavingTheScreenGoesToItsPoolAndComesBackResetAndPlacedAgai
   EXPECT_EQ(plane->position.y, 136) << "a plane keeps its altitude";
   EXPECT_EQ(first[older->obstacleType], older);
   EXPECT_DOUBLE_EQ(older->frame().minY(), 50) << "a box rests on the ground again";
+}
+
+// The standing figure's box spans x 132..156 and y 50..110.
+TEST(Collisions, TouchingIsNotAHitOverlappingIsAndTheOldestOverlapCounts) {
+  Running r;
+  auto box = r.place(T::boxSmall, 156);
+  EXPECT_FALSE(r.hits()) << "edges touch";
+  box->position.x -= 0.01;
+  auto newer = r.spawnAt(0, 1).begin()->second;
+  newer->position.x = 150;
+  EXPECT_TRUE(r.hits());
+  const Rect hit = box->calculateAccumulatedFrame();
+  EXPECT_EQ(r.s.lastCollisionPoint, (Point{hit.midX(), hit.midY()}));
+}
+
+TEST(Collisions, DuckingClearsTheHighPlaneButNotTheMediumOne) {
+  for (T plane : {T::planeMedium, T::planeHigh}) {
+    SCOPED_TRACE(toString(plane));
+    Running r;
+    r.place(plane, 140);
+    r.game.press(keycode::downArrow);
+    r.s.updatePlayer();
+    ASSERT_EQ(r.s.playerContainer->position.y, 68);
+    EXPECT_EQ(r.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
+  }
+  Running r;
+  r.place(T::planeHigh, 140);
+  EXPECT_FALSE(r.hits()) << "the high plane clears a standing figure";
+  r.s.playerContainer->position.y = 80 + 40;
+  EXPECT_TRUE(r.hits()) << "but not a jumping one";
+}
+
+TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
+  Running r;
+  const struct {
+    int64_t score;
+    double speed;
+    int64_t min, max;
+  } schedule[] = {{399, 4.0, 72, 150}, {400, 4.6, 66, 140}, {2800, 8.2, 36, 80}, {3200, 8.8, 36, 80}};
+  for (const auto& row : schedule) {
+    while (r.s.score < row.score) r.s.incrementScoreAndDifficulty();
+    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMin, row.min) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMax, row.max) << "at " << row.score;
+  }
+  r.s.score = INT64_MAX - 5;
+  r.game.step(5);
+  EXPECT_EQ(r.s.score, INT64_MAX) << "the game runs right up to the limit";
+}
+
+// A detached scene, so that the re-run in the child process leaves no sound folder behind.
+TEST(ScoreDeathTest, AScorePastTheLimitTraps) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  GameScene scene;
+  scene.score = INT64_MAX;
+  EXPECT_DEATH(scene.incrementScoreAndDifficulty(), "");
 }
 
 }  // namespace
