@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
 
 namespace zb {
@@ -45,27 +44,6 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   cloud->addChild(square);
   EXPECT_EQ(cloud->frame(), Rect::make(30, 40, 0, 0));
   EXPECT_EQ(cloud->calculateAccumulatedFrame(), Rect::make(10, 35, 40, 10));
-}
-
-TEST(NodesAtPointTest, SkipsHiddenPagesAndListsChildrenFirstThenLaterSiblings) {
-  // Two overlapping pages with a button each, as the interface has them.
-  auto scene = std::make_shared<Scene>(Size{800, 400});
-  auto background = ShapeNode::withRect(Rect::make(0, 0, 800, 400));
-  auto menu = std::make_shared<Node>(), overlay = std::make_shared<Node>();
-  auto menuButton = ShapeNode::withRect(Rect::make(350, 150, 100, 40));
-  auto overlayButton = ShapeNode::withRect(Rect::make(350, 150, 100, 40));
-  auto badge = ShapeNode::withRect(Rect::make(0, 0, 10, 10));
-  badge->position = {395, 165};
-  for (const NodePtr& page : {NodePtr(background), menu, overlay}) scene->addChild(page);
-  menu->addChild(menuButton);
-  overlay->addChild(overlayButton);
-  overlayButton->addChild(badge);
-
-  using Hits = std::vector<Node*>;
-  EXPECT_EQ(scene->nodesAtPoint({400, 170}), (Hits{badge.get(), overlayButton.get(), menuButton.get(), background.get()}));
-  overlay->hidden = true;
-  EXPECT_EQ(scene->nodesAtPoint({400, 170}), (Hits{menuButton.get(), background.get()}));
-  EXPECT_TRUE(scene->nodesAtPoint({900, 170}).empty());
 }
 
 }  // namespace

@@ -23,12 +23,10 @@ TEST(Settings, ALaunchTakesStoredValuesEvenFalseAndZeroAndDefaultsForTheRest) {
   store->setBool(true, "quorra_settingShowFPS");
   store->setBool(false, "quorra_settingMusicEnabled");
   store->setFloat(0.0f, "quorra_settingMusicVolume");
-  store->setInteger(321, "quorraHighScore");
   AttachedScene stored(SceneOptions{.preferences = store});
   EXPECT_TRUE(stored->settingShowFPS);
   EXPECT_FALSE(stored->settingMusicEnabled);
   EXPECT_EQ(stored->settingMusicVolume, 0.0f);
-  EXPECT_EQ(stored->highScore, 321);
   stored.step(20);
   EXPECT_EQ(stored.musicVolume(), 0) << "music off stays silent on the menu";
 }
