@@ -1,5 +1,6 @@
 // The game's state table, driven the way a player drives it: keys and clicks on a scene in a view, then
-// what the player would notice (state, pages, cursor, sounds, jump request).
+// what the player would notice (state, pages, cursor, sounds, jump request); then the settings page's
+// buttons, and attachment, pausing and resizing as seen from outside the scene.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -142,6 +143,77 @@ TEST(StateMachine, ARunEndsWithoutWritingTheBest) {
   EXPECT_EQ(abandoned->highScore, 50) << "the in-memory best stays";
   EXPECT_TRUE(abandoned->obstacleNodes.empty());
   EXPECT_FALSE(abandoned.preferences->objectForKey("quorraHighScore").has_value());
+}
+
+TEST(Lifecycle, OnlyItsOwnWindowsNewsAndSizeReachTheSceneUntilItIsDismissed) {
+  AttachedScene game;
+  NotificationCenter& centre = game.view->notificationCenter();
+  game.view->virtualWindow().toggleNow();  // the window manager's toggle
+  EXPECT_EQ(game->fullscreenButton->text(), "Exit Full Screen");
+  int otherWindow = 0;
+  centre.post(kWindowDidExitFullScreenNotification, &otherWindow);
+  EXPECT_EQ(game->fullscreenButton->text(), "Exit Full Screen") << "another window's news is ignored";
+  game.view->virtualWindow().toggleNow();
+  EXPECT_EQ(game->fullscreenButton->text(), "Full Screen");
+  game.view->setSize({640, 480});
+  EXPECT_DOUBLE_EQ(game->layoutScale, 0.8) << "a resize lays the interface out at once";
+  game.step();
+  EXPECT_EQ(game->groundLine->path.elements()[1].point, (Point{640, 50})) << "and the ground at the next frame";
+  game.view->dismissScene();
+  EXPECT_EQ(centre.observerCount(), 0u);
+}
+
+TEST(Lifecycle, NothingMovesWhilePausedAndEachRunStartsAfresh) {
+  AttachedScene game(test::SceneOptions{.size = {1000, 600}});
+  GameScene& s = *game;
+  game.press(keycode::space);
+  game.step(30);
+  game.press(keycode::p);
+  game.step(30);
+  EXPECT_EQ(s.score, 30) << "nothing moves while paused";
+  s.obstacleSpeed = 9;
+  s.playerContainer->position = {1, 2};
+  game.clickOn(*s.restartButton());
+  EXPECT_EQ(s.score, 0);
+  EXPECT_EQ(s.obstacleSpeed, 4.0);
+  EXPECT_TRUE(s.spawnTimerFrames >= 72 && s.spawnTimerFrames <= 150) << s.spawnTimerFrames;
+  EXPECT_EQ(s.playerContainer->position, (Point{180, 80}));
+}
+
+TEST(Input, SettingsButtonsChangeMusicAndVolumeButOnlyTheFrameRateToggleSaves) {
+  AttachedScene game;
+  GameScene& s = *game;
+  game.clickOn(*s.settingsButton);
+  EXPECT_EQ(s.volumeLabel->text(), "Volume: 60%");
+  game.clickOn(*s.musicToggleLabel);
+  game.clickOn(*s.volDownButton);
+  EXPECT_EQ(s.musicToggleLabel->text(), "Music: Off");
+  EXPECT_EQ(s.volumeLabel->text(), "Volume: 50%");
+  EXPECT_TRUE(game.preferences->dictionaryRepresentation().empty());
+  game.clickOn(*s.toggleFPSLabel);
+  EXPECT_EQ(s.toggleFPSLabel->text(), "Show FPS: On");
+  EXPECT_TRUE(game.view->showsFPS && game.view->showsNodeCount);
+  EXPECT_TRUE(game.preferences->boolForKey("quorra_settingShowFPS"));
+  EXPECT_FALSE(game.preferences->boolForKey("quorra_settingMusicEnabled"));
+  EXPECT_EQ(game.preferences->floatForKey("quorra_settingMusicVolume"), 0.5f);
+  game.press(keycode::escape);
+  EXPECT_FALSE(game.view->showsFPS) << "the menu switches the counters off again";
+
+  // Volume steps in single precision: six down from 60% leave a crumb above zero that reads 0%, the
+  // seventh reaches zero and stays; up stops at 100%, and the read-out truncates.
+  s.settingMusicVolume = 0.6f;
+  for (int i = 0; i < 6; ++i) s.volumeDown();
+  EXPECT_GT(s.settingMusicVolume, 0.0f);
+  EXPECT_EQ(s.volumeLabel->text(), "Volume: 0%");
+  s.volumeDown();
+  s.volumeDown();
+  EXPECT_EQ(s.settingMusicVolume, 0.0f);
+  s.settingMusicVolume = 0.6f;
+  for (int i = 0; i < 5; ++i) s.volumeUp();
+  EXPECT_EQ(s.settingMusicVolume, 1.0f);
+  s.volumeDown();
+  s.volumeDown();
+  EXPECT_EQ(s.volumeLabel->text(), "Volume: 79%");
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ TEST(Settings, ALaunchTakesStoredValuesEvenFalseAndZeroAndDefaultsForTheRest) {
   AttachedScene fresh;
   EXPECT_FALSE(fresh->settingShowFPS);
   EXPECT_TRUE(fresh->settingMusicEnabled);
-  EXPECT_TRUE(fresh.preferences->dictionaryRepresentation().empty()) << "a launch writes nothing";
 
   auto store = std::make_shared<MemoryPreferences>();
   store->setBool(true, "quorra_settingShowFPS");
