@@ -63,22 +63,6 @@ TEST(Obstacles, EachStageBringsItsKinds) {
   }
 }
 
-TEST(Obstacles, EachKindEntersAtTheRightEdgeOnTheGroundOrAtItsAltitude) {
-  Running r;
-  r.s.currentPrimaryColor = Color::rgba(0.2, 0.4, 0.6, 1);
-  auto first = r.spawnAt(5000);
-  ASSERT_EQ(first.size(), 6u);
-  for (const auto& [type, node] : first) {
-    SCOPED_TRACE(toString(type));
-    EXPECT_EQ(node->strokeColor, r.s.currentPrimaryColor);
-    EXPECT_DOUBLE_EQ(node->position.x, 800 + node->frame().width() + 20);
-    const bool plane = type == T::planeHigh || type == T::planeMedium;
-    EXPECT_TRUE(plane || node->frame().minY() == 50) << "boxes and barrels rest on the ground";
-  }
-  EXPECT_EQ(first[T::planeHigh]->position.y, 136) << "86 above the ground line";
-  EXPECT_EQ(first[T::planeMedium]->position.y, 90) << "40 above the ground line";
-}
-
 TEST(Obstacles, ANodeLeavingTheScreenGoesToItsPoolAndComesBackResetAndPlacedAgain) {
   Running r;
   EXPECT_EQ(r.s.dequeueObstacle(T::barrel), nullptr) << "nothing pooled";

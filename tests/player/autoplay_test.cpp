@@ -1,4 +1,7 @@
+// The built-in player: what it does about an obstacle, that its autoplay is nothing but keys, and that
+// its idea of a jump is the figure's own.
 #include "player/autoplay.hpp"
+#include "player/jump_planner.hpp"
 
 #include <gtest/gtest.h>
 
@@ -17,14 +20,12 @@ namespace {
 
 using GameState = GameScene::GameState;
 
-void deliver(AttachedScene& scene, const std::vector<KeyStroke>& strokes) {
-  for (const KeyStroke& stroke : strokes) stroke.down ? scene.press(stroke.keyCode) : scene.release(stroke.keyCode);
-}
-
-// A hand-made outline, in points above the ground line, coming at the figure in a run of its own.
+// A hand-made outline, in points above the ground line, coming at the figure in a run of its own, and
+// what the player should do about it.
 struct Outline {
   const char* name;
   double bottom, height, width, speed;
+  bool jumps, ducks, pressesTwice;
 };
 
 struct Encounter {
@@ -42,7 +43,7 @@ struct Encounter {
   }
   void play(int frames) {
     for (int i = 0; i < frames; ++i) {
-      deliver(scene, player.play(*scene));
+      for (const KeyStroke& key : player.play(*scene)) key.down ? scene.press(key.keyCode) : scene.release(key.keyCode);
       scene.step();
       crashed = crashed || scene->gameState != GameState::playing;
       highestFeet = std::max(highestFeet, scene->playerFootAltitude);
@@ -60,30 +61,22 @@ struct Encounter {
 TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   // A single jump peaks at 114 points; only a second press in the air lifts the feet past this.
   constexpr double kSecondPressHeight = 120;
-  struct Case {
-    Outline outline;
-    bool jumps, ducks;
-  };
-  const Case cases[] = {
-      {{"box on the ground", 0, 33, 29, 4}, true, false},
+  const Outline outlines[] = {
+      {"box on the ground", 0, 33, 29, 4, true, false, false},
       // Standing clears it; jumping would fly into it.
-      {{"plane overhead", 78.5, 15, 39, 6.4}, false, false},
-      {{"bar at head height", 40, 30, 30, 4}, false, true},
+      {"plane overhead", 78.5, 15, 39, 6.4, false, false, false},
+      {"bar at head height", 40, 30, 30, 4, false, true, false},
+      {"wall too long for one jump", 0, 40, 360, 10, true, false, true},
   };
-  for (const Case& each : cases) {
-    Encounter encounter(each.outline);
+  for (const Outline& outline : outlines) {
+    SCOPED_TRACE(outline.name);
+    Encounter encounter(outline);
     encounter.play(200);
-    EXPECT_FALSE(encounter.crashed) << each.outline.name;
-    EXPECT_EQ(encounter.highestFeet > each.outline.bottom + each.outline.height, each.jumps) << each.outline.name;
-    EXPECT_EQ(encounter.ducked, each.ducks) << each.outline.name;
-    EXPECT_LT(encounter.highestFeet, kSecondPressHeight) << each.outline.name << ": a second press only when needed";
+    EXPECT_FALSE(encounter.crashed);
+    EXPECT_EQ(encounter.highestFeet > outline.bottom + outline.height, outline.jumps);
+    EXPECT_EQ(encounter.ducked, outline.ducks);
+    EXPECT_EQ(encounter.highestFeet > kSecondPressHeight, outline.pressesTwice);
   }
-
-  // Too long for one jump: only a second press in the air carries the figure over it.
-  Encounter wall({"long low wall", 0, 40, 360, 10});
-  wall.play(200);
-  EXPECT_FALSE(wall.crashed);
-  EXPECT_GT(wall.highestFeet, kSecondPressHeight);
 }
 
 // The player's keys are written down as a plain script while it plays a session in process, until
@@ -115,6 +108,23 @@ TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
   const Json dump = autoplay.dumps().at(0);
   EXPECT_EQ(dump["gameState"].get<std::string>(), "playing");
   EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run scored more than the new one";
+}
+
+// The player's idea of the figure's flight must be the flight the figure flies, presses and all.
+TEST(JumpPlanner, PredictsTheFigureFrameForFrameThroughTakeOffCoyoteTimeBufferAndLanding) {
+  AttachedScene game;
+  game.press(keycode::space);
+  Body predicted;
+  // A take-off, a second press inside the coyote time, a late one held in the buffer, one on the ground.
+  for (int frame = 0; frame < 120; ++frame) {
+    const bool press = frame == 0 || frame == 5 || frame == 70 || frame == 100;
+    if (press) game->requestJump();
+    game->updatePlayer();
+    stepBody(predicted, press);
+    ASSERT_EQ(predicted.footAltitude, game->playerFootAltitude) << "frame " << frame;
+    ASSERT_EQ(predicted.velocityY, game->playerVelocityY) << "frame " << frame;
+    ASSERT_EQ(predicted.bufferedJumpFrames, game->bufferedJumpFramesRemaining) << "frame " << frame;
+  }
 }
 
 }  // namespace
