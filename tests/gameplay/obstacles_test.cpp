@@ -47,15 +47,13 @@ struct Running {
 };
 
 TEST(Obstacles, EachStageBringsItsKinds) {
-  const std::set<T> early{T::boxSmall, T::boxMedium};
-  const std::set<T> all{T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh};
   const struct {
     int64_t score;
     std::set<T> kinds;
-  } stages[] = {{399, early},
+  } stages[] = {{399, {T::boxSmall, T::boxMedium}},
                 {400, {T::boxSmall, T::boxMedium, T::barrel}},
                 {1200, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium}},
-                {1600, all}};
+                {1600, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh}}};
   for (const auto& stage : stages) {
     std::set<T> seen;
     for (const auto& [kind, node] : Running().spawnAt(stage.score)) seen.insert(kind);
