@@ -12,7 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using test::AttachedScene;
-using test::SceneOptions;
 using Sounds = std::vector<std::string>;
 
 // A resource folder holding a stand-in for the named sound; all of them go when the tests end.
@@ -22,7 +21,7 @@ fs::path resourcesWith(const std::string& name) {
 }
 
 TEST(Sound, EffectsAndMusicComeFromTheResourcesFirstThenTheFallbackOrNotAtAll) {
-  AttachedScene both(SceneOptions{.resources = resourcesWith("jump")});
+  AttachedScene both({.resources = resourcesWith("jump")});
   both->playSFX("jump", both->fallbackPath("jump.mp3"));
   EXPECT_TRUE(both.sounds().empty()) << "a resource plays through an action";
   both.step(10);
@@ -33,10 +32,10 @@ TEST(Sound, EffectsAndMusicComeFromTheResourcesFirstThenTheFallbackOrNotAtAll) {
   const AudioNode& music = *both->backgroundMusicNode;
   EXPECT_EQ(music.file(), test::makeSoundFolder() / "bg-music.mp3");
   EXPECT_TRUE(music.autoplayLooped && music.isPlaying());
-  AttachedScene fromResources(SceneOptions{.resources = resourcesWith("bg-music")});
+  AttachedScene fromResources({.resources = resourcesWith("bg-music")});
   EXPECT_EQ(fromResources->backgroundMusicNode->file(), resourcesWith("bg-music") / "bg-music.mp3");
 
-  AttachedScene none(SceneOptions{.withSounds = false});
+  AttachedScene none({.withSounds = false});
   EXPECT_EQ(none->backgroundMusicNode, nullptr);
   none.press(keycode::space);
   none.runUntilCrash();

