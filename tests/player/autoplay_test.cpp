@@ -107,7 +107,7 @@ TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
   EXPECT_EQ(runScript(script + "dump\n", options).out, autoplay.out);
   const Json dump = autoplay.dumps().at(0);
   EXPECT_EQ(dump["gameState"].get<std::string>(), "playing");
-  EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run scored more than the new one";
+  EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run beat the new one";
 }
 
 // The player's idea of the figure's flight must be the flight the figure flies, presses and all.
