@@ -1,21 +1,15 @@
+// The scene graph: the frames of shapes and paths, and the actions that move nodes frame by frame.
 #include "engine/node.hpp"
 
 #include <gtest/gtest.h>
 
-#include <numbers>
-
+#include "engine/action.hpp"
+#include "engine/path.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
 
 namespace zb {
 namespace {
-
-void expectRectNear(const Rect& actual, const Rect& expected) {
-  EXPECT_NEAR(actual.minX(), expected.minX(), 1e-9);
-  EXPECT_NEAR(actual.minY(), expected.minY(), 1e-9);
-  EXPECT_NEAR(actual.maxX(), expected.maxX(), 1e-9);
-  EXPECT_NEAR(actual.maxY(), expected.maxY(), 1e-9);
-}
 
 TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   // A barrel: a stroked circle with a cross of lines inside.
@@ -33,7 +27,9 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   EXPECT_EQ(barrel->calculateAccumulatedFrame(), Rect::make(161, 29, 78, 78));
   barrel->xScale = barrel->yScale = 1;
   barrel->zRotation = 0.7;  // the circle keeps its size and the cross stays inside it
-  expectRectNear(barrel->calculateAccumulatedFrame(), Rect::make(180.5, 48.5, 39, 39));
+  const Rect turned = barrel->calculateAccumulatedFrame();
+  EXPECT_NEAR(turned.minX(), 180.5, 1e-9);
+  EXPECT_NEAR(turned.width(), 39, 1e-9);
 
   ShapeNodePtr square = ShapeNode::withRectOfSize({20, 20});
   square->lineWidth = 0;
@@ -49,45 +45,66 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   EXPECT_EQ(cloud->calculateAccumulatedFrame(), Rect::make(10, 35, 40, 10));
 }
 
-TEST(NodeConversionTest, PointsConvertBetweenAnyTwoNodesOfATree) {
-  auto scene = std::make_shared<Scene>(Size{800, 400});
-  auto layer = std::make_shared<Node>();
-  layer->position = {100, 50};
-  layer->xScale = 2;
-  auto leaf = std::make_shared<Node>();
-  leaf->position = {10, 10};
-  leaf->zRotation = std::numbers::pi / 2;
-  auto other = std::make_shared<Node>();
-  other->position = {-40, 0};
-  scene->addChild(layer);
-  layer->addChild(leaf);
-  scene->addChild(other);
+// Boxes under moves and scales are worked out from remembered extremes; the memory must not outlive
+// a change of the path, and must not travel wrongly with a copy.
+TEST(PathBoundsTest, MovedAndScaledBoxesFollowEveryChange) {
+  Path path = Path::roundedRect(Rect::make(0, 0, 10, 10), 2);
+  const AffineTransform moved = AffineTransform::forNode({5, 5}, 0, 2, -1);
+  EXPECT_EQ(path.boundingBox(moved), Rect::make(5, -5, 20, 10));
 
-  const Point inOther = leaf->convertPointTo({1, 0}, *other);
-  EXPECT_NEAR(inOther.x, 160, 1e-9);
-  EXPECT_NEAR(inOther.y, 61, 1e-9);
-  EXPECT_NEAR(leaf->convertPointFrom(inOther, *other).x, 1, 1e-9);
+  const Path before = path;
+  path.moveTo({-10, 20});
+  path.lineTo({-10, 20});
+  EXPECT_EQ(path.boundingBox(moved), Rect::make(-15, -15, 40, 20));
+  EXPECT_EQ(path.boundingBox(), Rect::make(-10, 0, 20, 20));
+  EXPECT_EQ(before.boundingBox(moved), Rect::make(5, -5, 20, 10));
+
+  path.addArc({0, 30}, 5, 0, 3.14159);
+  EXPECT_NEAR(path.boundingBox(moved)->minY(), 5 - 35, 1e-9);
+  EXPECT_EQ(Path().boundingBox(moved), std::nullopt);
 }
 
-TEST(NodesAtPointTest, SkipsHiddenPagesAndListsChildrenFirstThenLaterSiblings) {
-  // Two overlapping pages with a button each, as the interface has them.
-  auto scene = std::make_shared<Scene>(Size{800, 400});
-  auto background = ShapeNode::withRect(Rect::make(0, 0, 800, 400));
-  auto menu = std::make_shared<Node>(), overlay = std::make_shared<Node>();
-  auto menuButton = ShapeNode::withRect(Rect::make(350, 150, 100, 40));
-  auto overlayButton = ShapeNode::withRect(Rect::make(350, 150, 100, 40));
-  auto badge = ShapeNode::withRect(Rect::make(0, 0, 10, 10));
-  badge->position = {395, 165};
-  for (const NodePtr& page : {NodePtr(background), menu, overlay}) scene->addChild(page);
-  menu->addChild(menuButton);
-  overlay->addChild(overlayButton);
-  overlayButton->addChild(badge);
+struct Stage {
+  std::shared_ptr<Scene> scene = std::make_shared<Scene>(Size{800, 400});
+  NodePtr node = std::make_shared<Node>();
+  Stage() { scene->addChild(node); }
+  void frames(int n) {
+    for (int i = 0; i < n; ++i) scene->stepFrame(1.0 / 60);
+  }
+};
 
-  using Hits = std::vector<Node*>;
-  EXPECT_EQ(scene->nodesAtPoint({400, 170}), (Hits{badge.get(), overlayButton.get(), menuButton.get(), background.get()}));
-  overlay->hidden = true;
-  EXPECT_EQ(scene->nodesAtPoint({400, 170}), (Hits{menuButton.get(), background.get()}));
-  EXPECT_TRUE(scene->nodesAtPoint({900, 170}).empty());
+TEST(ActionTimingTest, MovesAndSequencesLandWhereTheirTimingSays) {
+  Stage move, shake, twoMoves;
+  move.node->position = {10, 20};
+  move.node->runAction(actions::moveBy(120, -30, 0.45));
+  move.frames(27);
+  EXPECT_EQ(move.node->position, (Point{130, -10})) << "a move ends exactly on target";
+  shake.node->position = {400.3, 77.7};
+  shake.node->runAction(
+      actions::sequence({actions::moveBy(6, 0, 0.02), actions::moveBy(-12, 0, 0.04), actions::moveBy(6, 0, 0.02)}));
+  shake.frames(6);
+  EXPECT_EQ(shake.node->position, (Point{400.3, 77.7})) << "a shake returns exactly";
+  // The first move ends a third into the second frame; the rest of that frame goes to the second.
+  twoMoves.node->runAction(actions::sequence({actions::moveBy(30, 0, 0.025), actions::moveBy(0, 60, 0.05)}));
+  twoMoves.frames(4);
+  EXPECT_NEAR(twoMoves.node->position.x, 30, 1e-9);
+  EXPECT_NEAR(twoMoves.node->position.y, 50, 1e-9);
+}
+
+TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
+  Stage stage;
+  int completions = 0;
+  stage.node->runAction(actions::moveBy(60, 0, 0.5), [&] { ++completions; });
+  stage.frames(6);
+  stage.node->runAction(actions::moveBy(0, 30, 0.25), [&] { ++completions; });
+  stage.node->runAction(actions::moveBy(-20, 0, 0.25), [&] { ++completions; });
+  stage.frames(15);
+  EXPECT_NEAR(stage.node->position.x, 60 * 0.7 - 20, 1e-9);
+  EXPECT_NEAR(stage.node->position.y, 30, 1e-9);
+  stage.frames(30);
+  EXPECT_NEAR(stage.node->position.x, 40, 1e-9);
+  EXPECT_EQ(completions, 3);
+  EXPECT_FALSE(stage.node->hasActions());
 }
 
 }  // namespace

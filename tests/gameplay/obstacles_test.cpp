@@ -1,7 +1,8 @@
-// Obstacles: the spawn timer, which kinds each stage brings, where they enter, and the per-kind pool
-// that recycles nodes leaving the screen.
+// Obstacles and the score: which kinds each stage brings, where they enter, the pool that recycles
+// them, collisions at the edge of contact, the difficulty schedule and the trap past the score's limit.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <map>
 #include <set>
 
@@ -13,7 +14,10 @@ namespace {
 using T = GameScene::ObstacleType;
 
 struct Running {
-  Running() { game.press(keycode::space); }
+  Running() {
+    game.press(keycode::space);
+    s.spawnTimerFrames = 100000;  // only the obstacles a test spawns
+  }
   // Spawns `count` obstacles at the score and returns the first of each kind.
   std::map<T, GameScene::ObstacleNodePtr> spawnAt(int64_t score, int count = 300) {
     s.score = score;
@@ -24,20 +28,32 @@ struct Running {
     }
     return firstOfKind;
   }
+  // One obstacle of the kind, alone in the scene at score 0, moved so that its frame starts at minX.
+  GameScene::ObstacleNodePtr place(T type, double minX) {
+    const auto node = spawnAt(5000)[type];
+    s.score = 0;
+    for (const auto& other : s.obstacleNodes) other->removeFromParent();
+    s.obstacleNodes = {node};
+    s.addChild(node);
+    node->position.x += minX - node->calculateAccumulatedFrame().minX();
+    return node;
+  }
+  bool hits() {
+    s.checkCollisions();
+    return s.gameState == GameScene::GameState::gameOver;
+  }
   test::AttachedScene game;
   GameScene& s = *game;
 };
 
 TEST(Obstacles, EachStageBringsItsKinds) {
-  const std::set<T> early{T::boxSmall, T::boxMedium};
-  const std::set<T> all{T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh};
   const struct {
     int64_t score;
     std::set<T> kinds;
-  } stages[] = {{399, early},
+  } stages[] = {{399, {T::boxSmall, T::boxMedium}},
                 {400, {T::boxSmall, T::boxMedium, T::barrel}},
                 {1200, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium}},
-                {1600, all}};
+                {1600, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh}}};
   for (const auto& stage : stages) {
     std::set<T> seen;
     for (const auto& [kind, node] : Running().spawnAt(stage.score)) seen.insert(kind);
@@ -45,25 +61,8 @@ TEST(Obstacles, EachStageBringsItsKinds) {
   }
 }
 
-TEST(Obstacles, EachKindEntersAtTheRightEdgeOnTheGroundOrAtItsAltitude) {
+TEST(Obstacles, ANodeLeavingTheScreenGoesToItsPoolAndComesBackResetAndPlacedAgain) {
   Running r;
-  r.s.currentPrimaryColor = Color::rgba(0.2, 0.4, 0.6, 1);
-  auto first = r.spawnAt(5000);
-  ASSERT_EQ(first.size(), 6u);
-  for (const auto& [type, node] : first) {
-    SCOPED_TRACE(toString(type));
-    EXPECT_EQ(node->strokeColor, r.s.currentPrimaryColor);
-    EXPECT_DOUBLE_EQ(node->position.x, 800 + node->frame().width() + 20);
-    const bool plane = type == T::planeHigh || type == T::planeMedium;
-    EXPECT_TRUE(plane || node->frame().minY() == 50) << "boxes and barrels rest on the ground";
-  }
-  EXPECT_EQ(first[T::planeHigh]->position.y, 136) << "86 above the ground line";
-  EXPECT_EQ(first[T::planeMedium]->position.y, 90) << "40 above the ground line";
-}
-
-TEST(Obstacles, LeavingTheScreenSendsANodeToItsPool) {
-  Running r;
-  r.s.spawnTimerFrames = 1000;
   auto older = r.spawnAt(0, 1).begin()->second;
   auto newer = r.spawnAt(0, 1).begin()->second;
   // After the next move the older one's centre plus its whole width is exactly -10: it stays.
@@ -75,27 +74,75 @@ TEST(Obstacles, LeavingTheScreenSendsANodeToItsPool) {
   EXPECT_EQ(r.s.obstacleNodes, std::vector{newer});
   EXPECT_EQ(older->parent(), nullptr);
   EXPECT_EQ(r.s.obstaclePool[older->obstacleType], std::vector{older});
-}
 
-TEST(Obstacles, PooledNodesComeBackResetAndPlacedAgain) {
-  Running r;
-  EXPECT_EQ(r.s.dequeueObstacle(T::barrel), nullptr) << "nothing pooled";
   auto plane = r.s.planeObstacle(GameScene::PlaneAltitude::high);
-  plane->position.x = -300;
   plane->zRotation = 2.5;
   plane->hidden = true;
-  auto box = std::make_shared<GameScene::ObstacleNode>();
-  box->path = Path::roundedRect(Rect::make(-13, -15, 26, 30), 4);
-  box->position = {-300, 999};
   r.s.obstaclePool[T::planeHigh] = {plane};
-  r.s.obstaclePool[T::boxSmall] = {box};
+  older->position.y = 999;
   auto first = r.spawnAt(1600);
   EXPECT_EQ(first[T::planeHigh], plane);
   EXPECT_EQ(plane->zRotation, 0);
   EXPECT_FALSE(plane->hidden);
   EXPECT_EQ(plane->position.y, 136) << "a plane keeps its altitude";
-  EXPECT_EQ(first[T::boxSmall], box);
-  EXPECT_DOUBLE_EQ(box->frame().minY(), 50) << "a box rests on the ground again";
+  EXPECT_EQ(first[older->obstacleType], older);
+  EXPECT_DOUBLE_EQ(older->frame().minY(), 50) << "a box rests on the ground again";
+}
+
+// The standing figure's box spans x 132..156 and y 50..110.
+TEST(Collisions, TouchingIsNotAHitOverlappingIsAndTheOldestOverlapCounts) {
+  Running r;
+  auto box = r.place(T::boxSmall, 156);
+  EXPECT_FALSE(r.hits()) << "edges touch";
+  box->position.x -= 0.01;
+  auto newer = r.spawnAt(0, 1).begin()->second;
+  newer->position.x = 150;
+  EXPECT_TRUE(r.hits());
+  const Rect hit = box->calculateAccumulatedFrame();
+  EXPECT_EQ(r.s.lastCollisionPoint, (Point{hit.midX(), hit.midY()}));
+}
+
+TEST(Collisions, DuckingClearsTheHighPlaneButNotTheMediumOne) {
+  for (T plane : {T::planeMedium, T::planeHigh}) {
+    SCOPED_TRACE(toString(plane));
+    Running r;
+    r.place(plane, 140);
+    r.game.press(keycode::downArrow);
+    r.s.updatePlayer();
+    ASSERT_EQ(r.s.playerContainer->position.y, 68);
+    EXPECT_EQ(r.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
+  }
+  Running r;
+  r.place(T::planeHigh, 140);
+  EXPECT_FALSE(r.hits()) << "the high plane clears a standing figure";
+  r.s.playerContainer->position.y = 80 + 40;
+  EXPECT_TRUE(r.hits()) << "but not a jumping one";
+}
+
+TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
+  Running r;
+  const struct {
+    int64_t score;
+    double speed;
+    int64_t min, max;
+  } schedule[] = {{399, 4.0, 72, 150}, {400, 4.6, 66, 140}, {2800, 8.2, 36, 80}, {3200, 8.8, 36, 80}};
+  for (const auto& row : schedule) {
+    while (r.s.score < row.score) r.s.incrementScoreAndDifficulty();
+    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMin, row.min) << "at " << row.score;
+    EXPECT_EQ(r.s.spawnIntervalMax, row.max) << "at " << row.score;
+  }
+  r.s.score = INT64_MAX - 5;
+  r.game.step(5);
+  EXPECT_EQ(r.s.score, INT64_MAX) << "the game runs right up to the limit";
+}
+
+// A detached scene, so that the re-run in the child process leaves no sound folder behind.
+TEST(ScoreDeathTest, AScorePastTheLimitTraps) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  GameScene scene;
+  scene.score = INT64_MAX;
+  EXPECT_DEATH(scene.incrementScoreAndDifficulty(), "");
 }
 
 }  // namespace

@@ -37,9 +37,7 @@ struct HeadlessRun {
   // The dumps printed, parsed; a malformed one throws, failing the calling test.
   std::vector<Json> dumps() const {
     std::vector<Json> result;
-    for (const std::string& line : lines()) {
-      result.push_back(Json::parse(line));
-    }
+    for (const std::string& line : lines()) result.push_back(Json::parse(line));
     return result;
   }
 };
@@ -72,7 +70,7 @@ class TempFolder {
     std::filesystem::remove_all(path_, ignored);
   }
   const std::filesystem::path& path() const { return path_; }
-  // A file that is not really audio, under the folder.
+  // A file that is not really audio, under the folder (which may name subfolders).
   std::filesystem::path touch(const std::string& name) const {
     std::filesystem::create_directories((path_ / name).parent_path());
     std::ofstream(path_ / name) << "not really audio";

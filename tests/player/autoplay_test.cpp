@@ -1,4 +1,7 @@
+// The built-in player: what it does about an obstacle, that its autoplay is nothing but keys, and that
+// its idea of a jump is the figure's own.
 #include "player/autoplay.hpp"
+#include "player/jump_planner.hpp"
 
 #include <gtest/gtest.h>
 
@@ -17,14 +20,12 @@ namespace {
 
 using GameState = GameScene::GameState;
 
-void deliver(AttachedScene& scene, const std::vector<KeyStroke>& strokes) {
-  for (const KeyStroke& stroke : strokes) stroke.down ? scene.press(stroke.keyCode) : scene.release(stroke.keyCode);
-}
-
-// A hand-made outline, in points above the ground line, coming at the figure in a run of its own.
+// A hand-made outline, in points above the ground line, coming at the figure in a run of its own, and
+// what the player should do about it.
 struct Outline {
   const char* name;
   double bottom, height, width, speed;
+  bool jumps, ducks, pressesTwice;
 };
 
 struct Encounter {
@@ -42,7 +43,7 @@ struct Encounter {
   }
   void play(int frames) {
     for (int i = 0; i < frames; ++i) {
-      deliver(scene, player.play(*scene));
+      for (const KeyStroke& key : player.play(*scene)) key.down ? scene.press(key.keyCode) : scene.release(key.keyCode);
       scene.step();
       crashed = crashed || scene->gameState != GameState::playing;
       highestFeet = std::max(highestFeet, scene->playerFootAltitude);
@@ -60,77 +61,70 @@ struct Encounter {
 TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   // A single jump peaks at 114 points; only a second press in the air lifts the feet past this.
   constexpr double kSecondPressHeight = 120;
-  struct Case {
-    Outline outline;
-    bool jumps, ducks;
-  };
-  const Case cases[] = {
-      {{"box on the ground", 0, 33, 29, 4}, true, false},
-      // A ducking figure is 36 high, so a plane at chest height must be jumped.
-      {{"plane at chest height", 32.5, 15, 39, 6.4}, true, false},
+  const Outline outlines[] = {
+      {"box on the ground", 0, 33, 29, 4, true, false, false},
       // Standing clears it; jumping would fly into it.
-      {{"plane overhead", 78.5, 15, 39, 6.4}, false, false},
-      {{"bar at head height", 40, 30, 30, 4}, false, true},
+      {"plane overhead", 78.5, 15, 39, 6.4, false, false, false},
+      {"bar at head height", 40, 30, 30, 4, false, true, false},
+      {"wall too long for one jump", 0, 40, 360, 10, true, false, true},
   };
-  for (const Case& each : cases) {
-    Encounter encounter(each.outline);
+  for (const Outline& outline : outlines) {
+    SCOPED_TRACE(outline.name);
+    Encounter encounter(outline);
     encounter.play(200);
-    EXPECT_FALSE(encounter.crashed) << each.outline.name;
-    EXPECT_EQ(encounter.highestFeet > each.outline.bottom + each.outline.height, each.jumps) << each.outline.name;
-    EXPECT_EQ(encounter.ducked, each.ducks) << each.outline.name;
-    EXPECT_LT(encounter.highestFeet, kSecondPressHeight) << each.outline.name << ": a second press only when needed";
+    EXPECT_FALSE(encounter.crashed);
+    EXPECT_EQ(encounter.highestFeet > outline.bottom + outline.height, outline.jumps);
+    EXPECT_EQ(encounter.ducked, outline.ducks);
+    EXPECT_EQ(encounter.highestFeet > kSecondPressHeight, outline.pressesTwice);
   }
-
-  // Too long for one jump: only a second press in the air carries the figure over it.
-  Encounter wall({"long low wall", 0, 40, 360, 10});
-  wall.play(200);
-  EXPECT_FALSE(wall.crashed);
-  EXPECT_GT(wall.highestFeet, kSecondPressHeight);
 }
 
-// The player's keys written down as a plain script while it plays a session in process, until the
-// game has gone from the menu through a run, a crash and the next run.
-struct Recording {
-  std::string script = "launch\n";
-  std::vector<GameState> states;
-  uint64_t frames = 0;
-};
-
-Recording recordUntilSecondRun(const HeadlessOptions& options) {
+// The player's keys are written down as a plain script while it plays a session in process, until
+// the game has gone from the menu through a run, a crash and the next run.
+TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
+  const HeadlessOptions options = quietOptions(18);
   std::ostringstream ignored;
   HeadlessSession session(options, ignored);
   session.run(LaunchCommand{});
   Autoplayer player;
-  Recording recording;
-  recording.states.push_back(session.scene()->gameState);
-  while (recording.states.size() < 4 && recording.frames < 60'000) {
+  std::string script = "launch\n";
+  std::vector<GameState> states{session.scene()->gameState};
+  uint64_t frames = 0;
+  for (; states.size() < 4 && frames < 60'000; ++frames) {
     for (const KeyStroke& stroke : player.play(*session.scene())) {
-      recording.script += std::string("key ") + (stroke.down ? "down " : "up ") + std::to_string(stroke.keyCode) + "\n";
+      script += std::string("key ") + (stroke.down ? "down " : "up ") + std::to_string(stroke.keyCode) + "\n";
       session.run(KeyCommand{stroke.down, stroke.keyCode, false});
     }
-    recording.script += "step\n";
+    script += "step\n";
     session.run(StepCommand{1});
-    ++recording.frames;
-    if (session.scene()->gameState != recording.states.back()) recording.states.push_back(session.scene()->gameState);
+    if (session.scene()->gameState != states.back()) states.push_back(session.scene()->gameState);
   }
-  return recording;
+  ASSERT_EQ(states, (std::vector{GameState::menu, GameState::playing, GameState::gameOver, GameState::playing}));
+
+  const HeadlessRun autoplay = runScript("autoplay " + std::to_string(frames) + "\ndump\n", options);
+  ASSERT_EQ(autoplay.status, 0) << autoplay.err;
+  // Autoplay is nothing but keys and frames: the same keys in a plain script give the same game.
+  EXPECT_EQ(runScript(script + "dump\n", options).out, autoplay.out);
+  const Json dump = autoplay.dumps().at(0);
+  EXPECT_EQ(dump["gameState"].get<std::string>(), "playing");
+  EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run beat the new one";
 }
 
-TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
-  const HeadlessOptions options = quietOptions(18);
-  const Recording recording = recordUntilSecondRun(options);
-  ASSERT_EQ(recording.states,
-            (std::vector<GameState>{GameState::menu, GameState::playing, GameState::gameOver, GameState::playing}));
-
-  const std::string autoplay = "autoplay " + std::to_string(recording.frames) + "\ndump\n";
-  const HeadlessRun first = runScript(autoplay, options);
-  ASSERT_EQ(first.status, 0) << first.err;
-  EXPECT_EQ(runScript(autoplay, options).out, first.out) << "the same seed plays the same game";
-  // Autoplay is nothing but keys and frames: the same keys in a plain script give the same game.
-  EXPECT_EQ(runScript(recording.script + "dump\n", options).out, first.out);
-  const Json dump = first.dumps().at(0);
-  EXPECT_EQ(dump["gameState"].get<std::string>(), "playing");
-  EXPECT_GT(dump["highScore"].get<double>(), dump["score"].get<double>()) << "the first run scored more than the new one";
+// The player's idea of the figure's flight must be the flight the figure flies, presses and all.
+TEST(JumpPlanner, PredictsTheFigureFrameForFrameThroughTakeOffCoyoteTimeBufferAndLanding) {
+  AttachedScene game;
+  game.press(keycode::space);
+  Body predicted;
+  // A take-off, a second press inside the coyote time, a late one held in the buffer, one on the ground.
+  for (int frame = 0; frame < 120; ++frame) {
+    const bool press = frame == 0 || frame == 5 || frame == 70 || frame == 100;
+    if (press) game->requestJump();
+    game->updatePlayer();
+    stepBody(predicted, press);
+    ASSERT_EQ(predicted.footAltitude, game->playerFootAltitude) << "frame " << frame;
+    ASSERT_EQ(predicted.velocityY, game->playerVelocityY) << "frame " << frame;
+    ASSERT_EQ(predicted.bufferedJumpFrames, game->bufferedJumpFramesRemaining) << "frame " << frame;
+  }
 }
 
 }  // namespace

@@ -1,0 +1,128 @@
+// The scenery around a run: the skyline and clouds drifting and wrapping, birds crossing, and the
+// palettes a run steps through. The crash burst is left to the screenshots.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "scene/scene_fixture.hpp"
+
+namespace zb {
+namespace {
+
+using test::AttachedScene;
+using State = GameScene::GameState;
+
+std::vector<Point> positions(const Node& group) {
+  std::vector<Point> result;
+  for (const NodePtr& child : group.children()) result.push_back(child->position);
+  return result;
+}
+
+TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtTheLastSpeed) {
+  AttachedScene s;
+  s->obstacleSpeed = 4;  // buildings move 0.4 a frame, clouds 1
+  Node& building = *s->buildingGroup->children()[0];
+  Node& wrapping = *s->buildingGroup->children()[1];
+  Node& cloud = *s->cloudGroup->children()[0];
+  building.position.x = -79.5;
+  wrapping.position.x = -79.7;
+  cloud.position.x = -39;
+  s->updateBackground();
+  EXPECT_NEAR(building.position.x, -79.9, 1e-9);
+  EXPECT_EQ(wrapping.position.x, 800 + 80) << "the overshoot is dropped";
+  EXPECT_EQ(cloud.position.x, -40);
+
+  const std::vector<Point> before = positions(*s->buildingGroup);
+  s.view->setSize({1200, 600});
+  EXPECT_EQ(positions(*s->buildingGroup), before);
+  s->updateBackground();
+  EXPECT_EQ(building.position.x, 1200 + 80);
+  EXPECT_EQ(cloud.position.x, 1200 + 40);
+
+  s->obstacleSpeed = 10;  // as left behind by a long run
+  s->showGameOver();
+  cloud.position.x = building.position.x = 400;
+  s.step();
+  EXPECT_DOUBLE_EQ(cloud.position.x, 397.5);
+  EXPECT_DOUBLE_EQ(building.position.x, 399.0);
+  s->obstacleSpeed = 0;
+  const std::vector<Point> clouds = positions(*s->cloudGroup), buildings = positions(*s->buildingGroup);
+  s.step(120);
+  EXPECT_EQ(positions(*s->cloudGroup), clouds);
+  EXPECT_EQ(positions(*s->buildingGroup), buildings);
+}
+
+TEST(Birds, OnlyInPlayAboutOneIn481FramesEnteringAtEitherEdgeAndGoneOnceAcross) {
+  AttachedScene s;
+  for (State state : {State::menu, State::settings, State::gameOver, State::paused}) {
+    s->gameState = state;
+    for (int i = 0; i < 5000; ++i) s->maybeSpawnBird();
+    EXPECT_TRUE(s->birds().empty()) << toString(state);
+  }
+  s->gameState = State::playing;
+  constexpr int kExpected = 300;
+  for (int i = 0; i < 481 * kExpected; ++i) s->maybeSpawnBird();  // no frames: nothing flies away
+  const auto birds = s->birds();
+  // Four standard deviations of the binomial count either side.
+  EXPECT_NEAR(static_cast<double>(birds.size()), kExpected, 4 * std::sqrt(kExpected));
+  for (const ShapeNodePtr& bird : birds) {
+    EXPECT_TRUE(bird->position.y >= 110 && bird->position.y <= 158) << bird->position.y;
+    const bool fromRight = bird->position.x > 400;
+    EXPECT_EQ(bird->position.x, fromRight ? 820 : -20);
+    EXPECT_EQ(bird->xScale, fromRight ? -1 : 1) << "a bird from the right is mirrored";
+  }
+  s->gameState = State::menu;  // no new ones
+  s.step(60);
+  EXPECT_EQ(s->birds().size(), birds.size()) << "no bird crosses in a second";
+  s.step(6 * 60);
+  EXPECT_TRUE(s->birds().empty()) << "every bird is gone after the longest flight";
+  EXPECT_GT(s->nodeCount(), 0u);
+}
+
+// Walks the score up one point per check, as a run does, until it reaches `target`.
+void scoreUpTo(GameScene& scene, int64_t target) {
+  while (scene.score < target) {
+    ++scene.score;
+    scene.updatePaletteIfNeeded();
+  }
+}
+
+// The palette's background, and its primary and secondary on the parts that take them.
+void expectPalette(const GameScene& s, int64_t index) {
+  const GameScene::Palette& palette = s.vibrantPalettes.at(static_cast<size_t>(index));
+  EXPECT_EQ(s.currentPaletteIndex, index);
+  EXPECT_EQ(s.backgroundColor, palette.bg);
+  for (Color c : {s.playerLegRight->strokeColor, s.groundLine->strokeColor, s.scoreLabel->fontColor}) {
+    EXPECT_EQ(c, palette.primary);
+  }
+  EXPECT_EQ(s.highScoreLabel->fontColor, palette.secondary);
+}
+
+TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
+  AttachedScene s;
+  scoreUpTo(*s, 349);
+  expectPalette(*s, 0);
+  scoreUpTo(*s, 350);
+  expectPalette(*s, 1);
+  scoreUpTo(*s, 1400);
+  expectPalette(*s, 0);
+}
+
+TEST(Palettes, GameOverAt800ThenTheMenuAdvancesOnceMoreAndARetryKeepsThePalette) {
+  for (bool retry : {false, true}) {
+    SCOPED_TRACE(retry ? "retry" : "menu");
+    AttachedScene s;
+    s->startGame();
+    scoreUpTo(*s, 800);
+    s->showGameOver();
+    s.step();
+    expectPalette(*s, 2);
+    retry ? s->startGame() : s->showMenu();
+    s.step(10);
+    expectPalette(*s, retry ? 2 : 3);
+  }
+}
+
+}  // namespace
+}  // namespace zb
