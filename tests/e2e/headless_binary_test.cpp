@@ -11,8 +11,6 @@
 namespace zb::test {
 namespace {
 
-using namespace std::chrono_literals;
-
 std::vector<std::string> headless(std::vector<std::string> options) {
   options.insert(options.begin(), {ZB_BINARY, "--headless", "--fallback", "none"});
   return options;
@@ -63,14 +61,14 @@ TEST(HeadlessBinary, PipeModeAnswersEachDumpBeforeTheNextCommandArrives) {
   ChildProcess game(headless({"--seed", "5"}));
   ASSERT_TRUE(game.started());
   game.send("launch\nstep 2\ndump\n");
-  std::optional<std::string> first = game.readLine(60s);
+  std::optional<std::string> first = game.readLine();
   ASSERT_TRUE(first) << "no dump while standard input is still open: " << game.error();
   EXPECT_EQ(Json::parse(*first)["frame"], 2);
   game.send("key down space\nstep 3\ndump\n");
-  std::optional<std::string> second = game.readLine(60s);
+  std::optional<std::string> second = game.readLine();
   ASSERT_TRUE(second);
   EXPECT_EQ(Json::parse(*second)["gameState"], "playing");
-  EXPECT_EQ(game.finish(60s), 0) << game.error();
+  EXPECT_EQ(game.finish(), 0) << game.error();
 }
 
 }  // namespace
