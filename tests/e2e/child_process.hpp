@@ -14,8 +14,7 @@ namespace zb::test {
 
 // Whether a program is on the PATH, for tests that need a tool the machine may lack.
 inline bool hasProgram(const std::string& name) {
-  gchar* found = g_find_program_in_path(name.c_str());
-  g_free(found);
+  g_autofree gchar* found = g_find_program_in_path(name.c_str());
   return found != nullptr;
 }
 
@@ -42,8 +41,6 @@ class ChildProcess {
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
 
-  bool started() const { return process_ != nullptr; }
-
   void send(std::string_view text) {
     GOutputStream* in = process_ != nullptr ? g_subprocess_get_stdin_pipe(process_) : nullptr;
     if (in != nullptr) g_output_stream_write_all(in, text.data(), text.size(), nullptr, nullptr, nullptr);
@@ -51,12 +48,11 @@ class ChildProcess {
 
   // The next line of standard output, without its newline; nothing at its end.
   std::optional<std::string> readLine() {
+    if (lines_ == nullptr) return std::nullopt;
     gsize length = 0;
-    char* line = lines_ != nullptr ? g_data_input_stream_read_line(lines_, &length, nullptr, nullptr) : nullptr;
+    g_autofree char* line = g_data_input_stream_read_line(lines_, &length, nullptr, nullptr);
     if (line == nullptr) return std::nullopt;
-    std::string text(line, length);
-    g_free(line);
-    return text;
+    return std::string(line, length);
   }
 
   // Sends `input`, closes standard input and reads both streams to their end. The exit status, or -1
@@ -66,15 +62,13 @@ class ChildProcess {
     gsize buffered = 0;
     const void* unread = g_buffered_input_stream_peek_buffer(G_BUFFERED_INPUT_STREAM(lines_), &buffered);
     output_.assign(static_cast<const char*>(unread), buffered);
-    GBytes* bytes = g_bytes_new(input.data(), input.size());
-    GBytes* streams[2] = {nullptr, nullptr};
-    g_subprocess_communicate(process_, bytes, nullptr, &streams[0], &streams[1], nullptr);
-    g_bytes_unref(bytes);
-    std::string* texts[2] = {&output_, &error_};
-    for (int i = 0; i < 2; ++i) {
-      if (streams[i] == nullptr) continue;
-      texts[i]->append(static_cast<const char*>(g_bytes_get_data(streams[i], nullptr)), g_bytes_get_size(streams[i]));
-      g_bytes_unref(streams[i]);
+    g_autoptr(GBytes) bytes = g_bytes_new(input.data(), input.size());
+    g_autoptr(GBytes) out = nullptr;
+    g_autoptr(GBytes) err = nullptr;
+    g_subprocess_communicate(process_, bytes, nullptr, &out, &err, nullptr);
+    for (const auto& [from, into] : {std::pair{out, &output_}, {err, &error_}}) {
+      if (from == nullptr) continue;
+      into->append(static_cast<const char*>(g_bytes_get_data(from, nullptr)), g_bytes_get_size(from));
     }
     g_subprocess_wait(process_, nullptr, nullptr);
     return g_subprocess_get_if_exited(process_) ? g_subprocess_get_exit_status(process_) : -1;

@@ -1,5 +1,5 @@
 // The headless driver's own input and output under abuse: runaway tokens, NUL bytes, text that is not
-// UTF-8, and a picture too large for the memory it is given.
+// UTF-8, a view squeezed to nothing, and a picture too large for the memory it is given.
 #include <glib.h>
 #include <gtest/gtest.h>
 
@@ -60,6 +60,49 @@ TEST(HeadlessAbuse, DumpsAreValidUtf8WithEachBadByteReplaced) {
   EXPECT_EQ(preferences["k" + r + "ey"].get<std::string>(), "x");
   for (size_t i = 0; i < std::size(storedAndDumped); ++i) {
     EXPECT_EQ(preferences["k" + std::to_string(i)].get<std::string>(), storedAndDumped[i].second) << i;
+  }
+}
+
+// A number that is not finite is dumped as null: every null, by path, except where null is a value.
+void collectNulls(const Json& value, const std::string& path, std::vector<std::string>& found) {
+  if (value.is_null() && path != "/lastCollisionPoint" && path != "/music") found.push_back(path);
+  if (!value.is_structured()) return;
+  for (const auto& [key, member] : value.items()) collectNulls(member, path + "/" + key, found);
+}
+
+TEST(HeadlessAbuse, AViewSqueezedToNothingAndBackInEveryStateKeepsEveryNumberFinite) {
+  const std::pair<const char*, const char*> states[] = {
+      {"menu", "step 5\n"},
+      {"settings", "step 5\nclick 400 250\n"},
+      {"playing", "key down space\nstep 100\n"},
+      {"paused", "key down space\nstep 100\nkey down p\n"},
+      {"gameOver", "key down space\nstep 900\n"},
+  };
+  const auto labelPositions = [](const Json& dump) {
+    std::string positions;
+    for (const auto& [name, label] : dump["labels"].items()) positions += name + " " + label["position"].dump() + "; ";
+    return positions;
+  };
+  for (const auto& [state, reach] : states) {
+    SCOPED_TRACE(state);
+    TempFolder folder("zb-abuse-resize");
+    const std::string shot = (folder.path() / "shot.png").string();
+    std::string script = std::string(reach) + "dump\n";
+    for (const char* size : {"1 1", "0 0", "800 600"}) {
+      script += std::string("resize ") + size + "\nstep 5\ndump\nscreenshot " + shot + "\n";
+    }
+    BinaryRun run = runScriptThroughBinary(script);
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::vector<Json> dumps = HeadlessRun{run.status, run.out, run.err}.dumps();
+    ASSERT_EQ(dumps.size(), 4u);
+    for (const Json& dump : dumps) {
+      EXPECT_EQ(dump["gameState"].get<std::string>(), state);
+      std::vector<std::string> nulls;
+      collectNulls(dump, "", nulls);
+      EXPECT_TRUE(nulls.empty()) << "at size " << dump["size"] << ": " << testing::PrintToString(nulls);
+    }
+    EXPECT_EQ(dumps[2]["layoutScale"].get<double>(), 0);
+    EXPECT_EQ(labelPositions(dumps[3]), labelPositions(dumps[0]));
   }
 }
 

@@ -154,7 +154,8 @@ TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
                                    "ZINDLEBOP_REPORT_FRAMES=1", "ZINDLEBOP_REPORT_PRESENT=1",
                                    std::string("ZINDLEBOP_PRESENT=") + chosen, "xvfb-run", "-a", "-s",
                                    "-screen 0 1024x768x24", ZB_BINARY, "--autoplay", "--frames", "300", "--seed", "9",
-                                   "--size", "800x600", "--prefs", folder.path() / "prefs.ini", "--screenshot", window});
+                                   "--size", "800x600", "--prefs", folder.path() / "prefs.ini",
+                                   "--screenshot", window});
   ASSERT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.err.find("zindlebop:"), std::string::npos) << run.err;
   std::smatch present, steps;
