@@ -140,19 +140,20 @@ TEST(Screenshots, TheComparisonCatchesOneStrayBird) {
   EXPECT_GT(worstTile(reference.get(), copy.get()).wrong, kMaxWrongPerTile);
 }
 
-// The virtual display has no graphics card behind it, so without a choice the framebuffer is used.
-class WindowPixels : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+// The way of presenting asked for; the virtual display has no graphics card behind it, so without a
+// choice the framebuffer is used.
+class WindowPixels : public testing::TestWithParam<const char*> {};
 
 TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
   if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
-  const auto [chosen, used] = GetParam();
-  TempFolder folder(std::string("zb-window-pixels-") + used);
+  const std::string chosen = GetParam(), used = chosen.empty() ? "framebuffer" : chosen;
+  TempFolder folder("zb-window-pixels-" + used);
   const std::string window = folder.path() / "window.png", headless = folder.path() / "headless.png";
   // The virtual display's GL driver leaves allocations behind that no suppression can name. There is
   // no sound device either, and the game plays on without a word about it.
   const BinaryRun run = runBinary({"/usr/bin/env", "ASAN_OPTIONS=detect_leaks=0", "SDL_AUDIODRIVER=nonexistent",
                                    "ZINDLEBOP_REPORT_FRAMES=1", "ZINDLEBOP_REPORT_PRESENT=1",
-                                   std::string("ZINDLEBOP_PRESENT=") + chosen, "xvfb-run", "-a", "-s",
+                                   "ZINDLEBOP_PRESENT=" + chosen, "xvfb-run", "-a", "-s",
                                    "-screen 0 1024x768x24", ZB_BINARY, "--autoplay", "--frames", "300", "--seed", "9",
                                    "--size", "800x600", "--prefs", folder.path() / "prefs.ini",
                                    "--screenshot", window});
@@ -169,9 +170,7 @@ TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
   EXPECT_EQ(worstTile(readPNG(window).get(), readPNG(headless).get(), 0).wrong, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(BothPaths, WindowPixels,
-                         testing::Values(std::pair{"framebuffer", "framebuffer"}, std::pair{"gl", "gl"},
-                                         std::pair{"", "framebuffer"}));
+INSTANTIATE_TEST_SUITE_P(BothPaths, WindowPixels, testing::Values("framebuffer", "gl", ""));
 
 }  // namespace
 }  // namespace zb::test
