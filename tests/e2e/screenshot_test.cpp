@@ -1,16 +1,18 @@
-// What the window shows, compared with committed pictures: the four pages, a run with each kind of
+// What the game shows, compared with committed pictures: the four pages, a run with each kind of
 // obstacle, and each palette, at 800 x 600 from a fixed seed. ZB_UPDATE_SCREENSHOTS=1 writes the
 // pictures into tests/e2e/reference/ instead of comparing; look at each one before committing it.
+// And what the real window shows in a virtual X display is, pixel for pixel, what the headless
+// driver draws after the same steps, on both ways of presenting.
 #include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <memory>
+#include <regex>
 
-#include "headless/headless_test_support.hpp"
 #include "e2e/child_process.hpp"
+#include "headless/headless_test_support.hpp"
 
 namespace zb::test {
 namespace {
@@ -25,35 +27,10 @@ constexpr int kChannelTolerance = 8;
 constexpr int kTile = 16;
 constexpr int kMaxWrongPerTile = 4;
 
-struct Shot {
-  const char* name;
-  const char* reach;  // script lines from the previous picture to this one
-  const char* state;
-  int palette;
-  std::vector<std::string> kinds;  // obstacle kinds wholly in the picture
-};
-
-// Seed 1 with the built-in player: the frames were chosen from its dumps.
-const std::vector<Shot> kShots = {
-    {"menu", "step 20\n", "menu", 0, {}},
-    {"settings", "click 400 250\nstep 2\n", "settings", 0, {}},
-    {"run-boxes", "click 400 213\nkey down space\nautoplay 250\n", "playing", 0, {"boxMedium", "boxMedium"}},
-    {"paused", "key down p\nstep 2\n", "paused", 0, {"boxMedium", "boxMedium"}},
-    {"run-barrel", "key down p\nautoplay 270\n", "playing", 1, {"boxMedium", "barrel"}},
-    {"run-palette-2", "autoplay 320\n", "playing", 2, {"barrel", "boxMedium"}},
-    {"run-plane-medium", "autoplay 510\n", "playing", 3, {"boxLarge", "planeMedium"}},
-    {"run-plane-high", "autoplay 340\n", "playing", 0, {"planeMedium", "planeHigh"}},
-    // Left alone, the player runs into a box at a score of 1864, in palette 1.
-    {"explosion", "step 180\n", "gameOver", 1, {"boxMedium", "boxSmall"}},
-    {"game-over", "step 220\n", "gameOver", 1, {"boxMedium", "boxSmall"}},
-};
-
 using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 
 Surface readPNG(const fs::path& file) {
-  Surface surface(cairo_image_surface_create_from_png(file.c_str()), &cairo_surface_destroy);
-  if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return {nullptr, &cairo_surface_destroy};
-  return surface;
+  return {cairo_image_surface_create_from_png(file.c_str()), &cairo_surface_destroy};
 }
 
 struct TileDifference {
@@ -62,16 +39,17 @@ struct TileDifference {
   int y = 0;
 };
 
-TileDifference worstTile(cairo_surface_t* a, cairo_surface_t* b) {
-  const int width = cairo_image_surface_get_width(a);
-  const int height = cairo_image_surface_get_height(a);
-  if (width != cairo_image_surface_get_width(b) || height != cairo_image_surface_get_height(b)) {
-    return {width * height, 0, 0};
+TileDifference worstTile(cairo_surface_t* a, cairo_surface_t* b, int tolerance = kChannelTolerance) {
+  const int width = cairo_image_surface_get_width(a), height = cairo_image_surface_get_height(a);
+  if (cairo_surface_status(a) != CAIRO_STATUS_SUCCESS || cairo_surface_status(b) != CAIRO_STATUS_SUCCESS ||
+      width != cairo_image_surface_get_width(b) || height != cairo_image_surface_get_height(b)) {
+    return {std::max(width * height, 1), 0, 0};
   }
   cairo_surface_flush(a);
   cairo_surface_flush(b);
   const auto pixel = [](cairo_surface_t* s, int x, int y) {
-    return reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(s) + y * cairo_image_surface_get_stride(s))[x];
+    const unsigned char* row = cairo_image_surface_get_data(s) + y * cairo_image_surface_get_stride(s);
+    return reinterpret_cast<const uint32_t*>(row)[x];
   };
   std::vector<int> wrong(static_cast<size_t>((width / kTile + 1) * (height / kTile + 1)), 0);
   TileDifference worst;
@@ -80,7 +58,7 @@ TileDifference worstTile(cairo_surface_t* a, cairo_surface_t* b) {
       const uint32_t pa = pixel(a, x, y), pb = pixel(b, x, y);
       bool close = true;
       for (int shift : {0, 8, 16}) {
-        close = close && std::abs(int((pa >> shift) & 0xFF) - int((pb >> shift) & 0xFF)) <= kChannelTolerance;
+        close = close && std::abs(int((pa >> shift) & 0xFF) - int((pb >> shift) & 0xFF)) <= tolerance;
       }
       if (close) continue;
       int& count = wrong[static_cast<size_t>((y / kTile) * (width / kTile + 1) + x / kTile)];
@@ -90,54 +68,56 @@ TileDifference worstTile(cairo_surface_t* a, cairo_surface_t* b) {
   return worst;
 }
 
-std::vector<std::string> kindsInPicture(const Json& dump) {
-  std::vector<std::string> kinds;
-  for (const Json& obstacle : dump["obstacles"]) {
-    const Json& frame = obstacle["accumulatedFrame"];
-    if (frame[0].get<double>() >= 0 && frame[0].get<double>() + frame[2].get<double>() <= dump["size"][0].get<double>()) {
-      kinds.push_back(obstacle["type"].get<std::string>());
-    }
-  }
-  return kinds;
-}
-
 TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
+  struct Shot {
+    const char* name;
+    const char* reach;  // script lines from the previous picture to this one
+    const char* state;
+    int palette;
+  };
+  // Seed 1 with the built-in player: the frames were chosen from its dumps.
+  const Shot shots[] = {
+      {"menu", "step 20\n", "menu", 0},
+      {"settings", "click 400 250\nstep 2\n", "settings", 0},
+      {"run-boxes", "click 400 213\nkey down space\nautoplay 250\n", "playing", 0},
+      {"paused", "key down p\nstep 2\n", "paused", 0},
+      {"run-barrel", "key down p\nautoplay 270\n", "playing", 1},
+      {"run-palette-2", "autoplay 320\n", "playing", 2},
+      {"run-plane-medium", "autoplay 510\n", "playing", 3},
+      {"run-plane-high", "autoplay 340\n", "playing", 0},
+      // Left alone, the player runs into a box at a score of 1864, in palette 1.
+      {"explosion", "step 180\n", "gameOver", 1},
+      {"game-over", "step 220\n", "gameOver", 1},
+  };
   const bool update = std::getenv("ZB_UPDATE_SCREENSHOTS") != nullptr;
   TempFolder folder("zb-screenshots");
   std::string script;
-  for (const Shot& shot : kShots) {
+  for (const Shot& shot : shots) {
     script += std::string(shot.reach) + "screenshot " + (folder.path() / shot.name).string() + ".png\ndump\n";
   }
   BinaryRun run = runBinary({ZB_BINARY, "--headless", "--seed", "1", "--fallback", "none"}, script);
   ASSERT_EQ(run.status, 0) << run.err;
   const std::vector<Json> dumps = HeadlessRun{run.status, run.out, run.err}.dumps();
-  ASSERT_EQ(dumps.size(), kShots.size());
+  ASSERT_EQ(dumps.size(), std::size(shots));
 
-  for (size_t i = 0; i < kShots.size(); ++i) {
-    const Shot& shot = kShots[i];
+  for (size_t i = 0; i < std::size(shots); ++i) {
+    const Shot& shot = shots[i];
     SCOPED_TRACE(shot.name);
     // The picture must still show what it was chosen for; if play changed, choose new frames.
     EXPECT_EQ(dumps[i]["gameState"].get<std::string>(), shot.state);
     EXPECT_EQ(dumps[i]["currentPaletteIndex"].get<double>(), shot.palette);
-    EXPECT_EQ(kindsInPicture(dumps[i]), shot.kinds);
-
     const fs::path actual = folder.path() / (std::string(shot.name) + ".png");
     const fs::path reference = kReferences / (std::string(shot.name) + ".png");
     if (update) {
-      fs::create_directories(kReferences);
       fs::copy_file(actual, reference, fs::copy_options::overwrite_existing);
       continue;
     }
-    Surface expected = readPNG(reference);
-    Surface drawn = readPNG(actual);
-    ASSERT_TRUE(expected) << "no reference " << reference << "; make it with ZB_UPDATE_SCREENSHOTS=1";
-    ASSERT_TRUE(drawn) << "the game wrote no readable picture";
-    const TileDifference difference = worstTile(expected.get(), drawn.get());
+    const TileDifference difference = worstTile(readPNG(reference).get(), readPNG(actual).get());
     if (difference.wrong > kMaxWrongPerTile) {
       const fs::path kept = fs::path(testing::TempDir()) / ("zb-screenshot-" + std::string(shot.name) + ".png");
       fs::copy_file(actual, kept, fs::copy_options::overwrite_existing);
       ADD_FAILURE() << difference.wrong << " pixels differ in the tile at " << difference.x << "," << difference.y
-                    << " (from the top left) of " << reference << "; the picture drawn is " << kept;
+                    << " of " << reference << "; the picture drawn is " << kept;
     }
   }
 }
@@ -145,31 +125,52 @@ TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
 // The comparison itself must notice one small element gone wrong: a stray bird in the sky.
 TEST(Screenshots, TheComparisonCatchesOneStrayBird) {
   const Surface reference = readPNG(kReferences / "run-boxes.png");
-  ASSERT_TRUE(reference);
-  const int width = cairo_image_surface_get_width(reference.get());
-  const int height = cairo_image_surface_get_height(reference.get());
-  const auto copyWith = [&](const std::function<void(cairo_t*)>& change) {
-    Surface copy(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height), &cairo_surface_destroy);
-    cairo_t* cr = cairo_create(copy.get());
-    cairo_set_source_surface(cr, reference.get(), 0, 0);
-    cairo_paint(cr);
-    change(cr);
-    cairo_destroy(cr);
-    return copy;
-  };
-  EXPECT_EQ(worstTile(reference.get(), copyWith([](cairo_t*) {}).get()).wrong, 0);
-
-  const Surface bird = copyWith([](cairo_t* cr) {
-    cairo_set_source_rgb(cr, 0.2, 0.2, 0.2);
-    cairo_set_line_width(cr, 2);
-    cairo_move_to(cr, 500, 200);
-    cairo_line_to(cr, 506, 197);
-    cairo_line_to(cr, 512, 200);
-    cairo_stroke(cr);
-  });
-  EXPECT_GT(worstTile(reference.get(), bird.get()).wrong, kMaxWrongPerTile);
-
+  const Surface copy(cairo_image_surface_create(CAIRO_FORMAT_RGB24, 800, 600), &cairo_surface_destroy);
+  cairo_t* cr = cairo_create(copy.get());
+  cairo_set_source_surface(cr, reference.get(), 0, 0);
+  cairo_paint(cr);
+  EXPECT_EQ(worstTile(reference.get(), copy.get()).wrong, 0);
+  cairo_set_source_rgb(cr, 0.2, 0.2, 0.2);
+  cairo_set_line_width(cr, 2);
+  cairo_move_to(cr, 500, 200);
+  cairo_line_to(cr, 506, 197);
+  cairo_line_to(cr, 512, 200);
+  cairo_stroke(cr);
+  cairo_destroy(cr);
+  EXPECT_GT(worstTile(reference.get(), copy.get()).wrong, kMaxWrongPerTile);
 }
+
+// The way of presenting asked for; the virtual display has no graphics card behind it, so without a
+// choice the framebuffer is used.
+class WindowPixels : public testing::TestWithParam<const char*> {};
+
+TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
+  if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
+  const std::string chosen = GetParam(), used = chosen.empty() ? "framebuffer" : chosen;
+  TempFolder folder("zb-window-pixels-" + used);
+  const std::string window = folder.path() / "window.png", headless = folder.path() / "headless.png";
+  // The virtual display's GL driver leaves allocations behind that no suppression can name. There is
+  // no sound device either, and the game plays on without a word about it.
+  const BinaryRun run = runBinary({"/usr/bin/env", "ASAN_OPTIONS=detect_leaks=0", "SDL_AUDIODRIVER=nonexistent",
+                                   "ZINDLEBOP_REPORT_FRAMES=1", "ZINDLEBOP_REPORT_PRESENT=1",
+                                   "ZINDLEBOP_PRESENT=" + chosen, "xvfb-run", "-a", "-s",
+                                   "-screen 0 1024x768x24", ZB_BINARY, "--autoplay", "--frames", "300", "--seed", "9",
+                                   "--size", "800x600", "--prefs", folder.path() / "prefs.ini",
+                                   "--screenshot", window});
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err.find("zindlebop:"), std::string::npos) << run.err;
+  std::smatch present, steps;
+  ASSERT_TRUE(std::regex_search(run.err, present, std::regex("present: (\\w+)"))) << run.err;
+  EXPECT_EQ(present[1], used);
+  ASSERT_TRUE(std::regex_search(run.err, steps, std::regex("frames: \\d+ drawn, (\\d+) steps"))) << run.err;
+  ASSERT_GE(std::stol(steps[1]), 300);
+
+  const std::string script = "autoplay " + std::string(steps[1]) + "\nscreenshot " + headless + "\n";
+  ASSERT_EQ(runBinary({ZB_BINARY, "--headless", "--seed", "9", "--size", "800x600"}, script).status, 0);
+  EXPECT_EQ(worstTile(readPNG(window).get(), readPNG(headless).get(), 0).wrong, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(BothPaths, WindowPixels, testing::Values("framebuffer", "gl", ""));
 
 }  // namespace
 }  // namespace zb::test
