@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "platform/frame_rate_meter.hpp"
 
 namespace zb {
@@ -19,7 +17,6 @@ TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
   const Case cases[] = {
       {60, true, 0.004, 10, 600, 0},  // exactly one step per frame despite jitter
       {59.94, true, 0, 60, 3596, 0},  // and despite a panel's drift
-      {120, false, 0, 10, 600, 1},
       {144, false, 0, 10, 600, 1},
       {1000, true, 0, 5, 300, 2},  // a vsync that stops blocking, e.g. a minimised window
   };
@@ -28,15 +25,14 @@ TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
     FramePacer pacer(c.vsync);
     double now = 100;
     pacer.stepsDue(now);  // starts the clock
-    int steps = 0, mostInOnePass = 0;
+    int steps = 0;
     for (int i = 0; i < static_cast<int>(c.seconds * c.hz + 0.5); ++i) {
       now += 1 / c.hz + (i % 2 == 0 ? c.jitter : -c.jitter);
       const int due = pacer.stepsDue(now);
+      EXPECT_LE(due, 1) << "pass " << i;
       steps += due;
-      mostInOnePass = std::max(mostInOnePass, due);
     }
     EXPECT_NEAR(steps, c.steps, c.tolerance);
-    EXPECT_EQ(mostInOnePass, 1);
   }
 }
 
