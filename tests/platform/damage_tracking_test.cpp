@@ -8,7 +8,6 @@
 #include <sstream>
 
 #include "headless/headless_session.hpp"
-#include "platform/damage_region.hpp"
 #include "platform/renderer.hpp"
 
 namespace zb::test {
@@ -41,7 +40,7 @@ struct TrackedRun {
   Surface kept{nullptr, cairo_surface_destroy};
   PixelSize keptSize;
   double pixelScale = 1;
-  int64_t framesWithDiff = 0, partialFrames = 0, drawnPixels = 0, framePixels = 0;
+  int64_t framesWithDiff = 0, drawnPixels = 0, framePixels = 0;
 
   void drawAndCompare(uint64_t frame) {
     const Size size = session.view().size();
@@ -60,7 +59,6 @@ struct TrackedRun {
     if (differing != 0 && ++framesWithDiff <= 5) ADD_FAILURE() << "frame " << frame << ": " << differing << " differ";
     for (const PixelRect& r : damage) drawnPixels += r.area();
     framePixels += int64_t{pixels.width} * pixels.height;
-    partialFrames += damage.size() != 1 || damage.front().area() < int64_t{pixels.width} * pixels.height;
   }
 };
 
@@ -82,10 +80,9 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedraw) {
       {1930, [&] { scene.showMenu(); }},
       {1960, [&] { run.pixelScale = 1; }},
   };
-  constexpr uint64_t kFrames = 4000;
-  int crashes = 0, departures = 0;  // runs ending (the shake, the dots) and birds or dots leaving
-  int paletteChanges = 0;
-  for (uint64_t frame = 0; frame < kFrames; ++frame) {
+  // Runs ending (the shake, the dots), birds or dots leaving, and palette changes.
+  int crashes = 0, departures = 0, paletteChanges = 0;
+  for (uint64_t frame = 0; frame < 4000; ++frame) {
     if (const auto event = events.find(frame); event != events.end()) event->second();
     const bool wasOver = scene.gameState == GameScene::GameState::gameOver;
     const std::size_t children = scene.children().size();
@@ -102,9 +99,7 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedraw) {
   EXPECT_GE(crashes, 2) << "the run must see the shake";
   EXPECT_GE(departures, 3) << "the run must see birds and dots leave";
   EXPECT_GE(paletteChanges, 2);
-  // Most frames redraw only part of the picture, and far less than all of it overall.
-  EXPECT_GT(run.partialFrames, int64_t{kFrames} * 3 / 4);
-  EXPECT_LT(run.drawnPixels, run.framePixels / 3);
+  EXPECT_LT(run.drawnPixels, run.framePixels / 3) << "far less than the whole picture is redrawn";
 }
 
 TEST(DamageTracking, AStillFrameRedrawsNothingAndTrackingOffRedrawsEverything) {
@@ -118,13 +113,6 @@ TEST(DamageTracking, AStillFrameRedrawsNothingAndTrackingOffRedrawsEverything) {
   EXPECT_EQ(run.tracked.drawChanges(cr, run.keptSize, run.session.view(), 1, 60, true),
             (std::vector<PixelRect>{{0, 0, 480, 270}}));
   cairo_destroy(cr);
-}
-
-TEST(DamageRegion, ChangedItemsDamageBothPlacesAndReorderingDamagesTheOvertaken) {
-  const DrawRecord a{1, {0, 0, 10, 10}, {}}, b{2, {5, 5, 10, 10}, {}}, c{3, {100, 100, 4, 4}, {}};
-  const DrawRecord aMoved{4, {50, 0, 10, 10}, {}};
-  EXPECT_EQ(damageBetween({a, b, c}, {aMoved, b, c}), (std::vector<PixelRect>{aMoved.box, a.box}));
-  EXPECT_EQ(damageBetween({a, b, c}, {b, a, c}), (std::vector<PixelRect>{a.box}));
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // Which way frames reach the screen: the override's words and the drivers that do not count as hardware.
+// The choice itself, on a display without a graphics card, is checked with the real window.
 #include "platform/present_path.hpp"
 
 #include <gtest/gtest.h>
@@ -6,17 +7,14 @@
 namespace zb::test {
 namespace {
 
-TEST(PresentPath, OverrideAcceptsTheTwoPathsAndNamesAnythingElse) {
+TEST(PresentPath, TheOverrideNamesAnythingButTheTwoPathsAndSoftwareDriversAreToldFromCards) {
   struct Case {
     const char* value;
     std::optional<PresentPath> path;
     bool complains;
   };
-  const Case cases[] = {
-      {nullptr, std::nullopt, false}, {"", std::nullopt, false},
-      {"GL", PresentPath::gl, false}, {"framebuffer", PresentPath::framebuffer, false},
-      {"gl ", std::nullopt, true},
-  };
+  const Case cases[] = {{nullptr, std::nullopt, false}, {"", std::nullopt, false}, {"GL", PresentPath::gl, false},
+                        {"framebuffer", PresentPath::framebuffer, false}, {"gl ", std::nullopt, true}};
   for (const Case& each : cases) {
     std::string complaint = "left over";
     EXPECT_EQ(requestedPresentPath(each.value, complaint), each.path) << (each.value ? each.value : "unset");
@@ -25,12 +23,10 @@ TEST(PresentPath, OverrideAcceptsTheTwoPathsAndNamesAnythingElse) {
   std::string complaint;
   requestedPresentPath(std::string(500, 'x').c_str(), complaint);
   EXPECT_LT(complaint.size(), 140u) << "a long value is cut short in the message";
-}
 
-TEST(PresentPath, SoftwareDriversAreToldFromGraphicsCards) {
-  const std::pair<const char*, bool> renderers[] = {
-      {"llvmpipe (LLVM 15.0.6, 256 bits)", true}, {"", true}, {"NVIDIA GeForce GTX 1660/PCIe/SSE2", false}};
-  for (const auto& [name, software] : renderers) EXPECT_EQ(isSoftwareGlRenderer(name), software) << name;
+  EXPECT_TRUE(isSoftwareGlRenderer("llvmpipe (LLVM 15.0.6, 256 bits)"));
+  EXPECT_TRUE(isSoftwareGlRenderer(""));
+  EXPECT_FALSE(isSoftwareGlRenderer("NVIDIA GeForce GTX 1660/PCIe/SSE2"));
 }
 
 }  // namespace
