@@ -21,11 +21,11 @@ using namespace std::chrono_literals;
 fs::path fileIn(const TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
 
 // Floats and bools through the file are covered with the settings; here the awkward keys and values.
-TEST(PreferencesFile, ValuesKeepTheirTypeThroughTheFile) {
+TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovalsStick) {
   TempFolder folder("zb-prefs-types");
   const std::map<std::string, PreferenceValue> stored = {
-      {"name", std::string("Zoë = \"best\"\nsecond line")},
-      {"odd key [x]=1", int64_t{-7}},
+      {"odd key [x]=1", std::string("Zoë = \"best\"\nsecond line")},
+      {"negative", int64_t{-7}},
   };
   FilePreferences prefs(fileIn(folder));
   for (const auto& [key, value] : stored) prefs.setObject(key, value);
@@ -34,40 +34,15 @@ TEST(PreferencesFile, ValuesKeepTheirTypeThroughTheFile) {
   EXPECT_EQ(FilePreferences(fileIn(folder)).dictionaryRepresentation(), stored);
 }
 
-// A full disk, made with a file-size limit so that it works for any user: a write of more than the
-// limit fails half-way, while smaller writes, like another copy's, still succeed. The old file must
-// stay whole, and the value that could not be saved must survive in memory, across another copy's
-// change, until the next write can save it.
-TEST(PreferencesFile, AWriteThatFailsHalfWayLeavesTheOldFileWholeAndKeepsTheValue) {
-  TempFolder folder("zb-prefs-full");
+// Two copies of the game on one file: each sees the other's best score within a quarter of a second,
+// and their writes merge instead of writing over each other. Then a full disk, made with a file-size
+// limit so that it works for any user: a write of more than the limit fails half-way while smaller
+// writes, like the other copy's, still succeed. The old file must stay whole, and the value that could
+// not be saved must survive in memory, across the other copy's change, until a write can save it.
+TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
+  TempFolder folder("zb-prefs-copies");
   const fs::path file = fileIn(folder);
-  FilePreferences prefs(file), otherCopy(file);
-  prefs.setInteger(77, "quorraHighScore");
-  const std::string before = test::readBytes(file);
-  const PreferenceValue longText = std::string(1000, 'z');
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  const rlimit small{200, old.rlim_max};
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  setrlimit(RLIMIT_FSIZE, &small);
-  prefs.setObject("long", longText);
-  EXPECT_EQ(test::readBytes(file), before);
-  EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "left-over temporary file";
-  otherCopy.setInteger(5, "other");
-  std::this_thread::sleep_for(300ms);
-  EXPECT_EQ(prefs.objectForKey("long"), longText);
-  setrlimit(RLIMIT_FSIZE, &old);
-  std::signal(SIGXFSZ, oldHandler);
-
-  prefs.setInteger(78, "quorraHighScore");
-  EXPECT_EQ(FilePreferences(file).objectForKey("long"), longText);
-}
-
-// Another copy of the game writing its best score: this copy sees it within a quarter of a second,
-// and its own writes merge with what the other copy stored instead of writing over it.
-TEST(PreferencesFile, AnotherWritersChangeShowsAfterTheRefreshIntervalAndWritesMerge) {
-  TempFolder folder("zb-prefs-merge");
-  FilePreferences mine(fileIn(folder)), theirs(fileIn(folder));
+  FilePreferences mine(file), theirs(file);
   mine.setInteger(10, "quorraHighScore");
   std::this_thread::sleep_for(300ms);
   theirs.setInteger(250, "quorraHighScore");
@@ -75,8 +50,26 @@ TEST(PreferencesFile, AnotherWritersChangeShowsAfterTheRefreshIntervalAndWritesM
   EXPECT_EQ(mine.integerForKey("quorraHighScore"), 250);
   theirs.setInteger(300, "other");
   mine.setFloat(0.5f, "quorra_settingMusicVolume");
-  EXPECT_EQ(FilePreferences(fileIn(folder)).integerForKey("other"), 300);
-  EXPECT_EQ(FilePreferences(fileIn(folder)).integerForKey("quorraHighScore"), 250);
+  EXPECT_EQ(FilePreferences(file).integerForKey("other"), 300);
+  EXPECT_EQ(FilePreferences(file).integerForKey("quorraHighScore"), 250);
+
+  const std::string before = test::readBytes(file);
+  const PreferenceValue longText = std::string(1000, 'z');
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  const rlimit small{200, old.rlim_max};
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  setrlimit(RLIMIT_FSIZE, &small);
+  mine.setObject("long", longText);
+  EXPECT_EQ(test::readBytes(file), before);
+  EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "left-over temporary file";
+  theirs.setInteger(5, "other");
+  std::this_thread::sleep_for(300ms);
+  EXPECT_EQ(mine.objectForKey("long"), longText);
+  setrlimit(RLIMIT_FSIZE, &old);
+  std::signal(SIGXFSZ, oldHandler);
+  mine.setInteger(78, "quorraHighScore");
+  EXPECT_EQ(FilePreferences(file).objectForKey("long"), longText);
 }
 
 TEST(PreferencesFileLocation, FollowsAnAbsoluteConfigHomeOrFallsBackToDotConfig) {
