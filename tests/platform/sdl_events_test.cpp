@@ -24,19 +24,12 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   SdlView view({400, 300}, nullptr, nullptr);
   auto scene = std::make_shared<RecordingScene>();
   view.presentScene(scene);
-  const auto key = [&](Uint32 type, SDL_Scancode scancode, Uint16 mod, Uint8 repeat) {
-    SDL_Event e{.type = type};
-    e.key.keysym.scancode = scancode;
-    e.key.keysym.mod = mod;
-    e.key.repeat = repeat;
-    dispatchEvent(e, view);
+  // Each event as SDL fills it, every field in SDL's order.
+  const auto key = [&](Uint32 type, SDL_Scancode code, Uint16 mod, Uint8 repeat) {
+    dispatchEvent(SDL_Event{.key = {type, 0, 0, 0, repeat, 0, 0, {code, 0, mod, 0}}}, view);
   };
   const auto click = [&](Uint8 button, int x, int y) {
-    SDL_Event e{.type = SDL_MOUSEBUTTONDOWN};
-    e.button.button = button;
-    e.button.x = x;
-    e.button.y = y;
-    dispatchEvent(e, view);
+    dispatchEvent(SDL_Event{.button = {SDL_MOUSEBUTTONDOWN, 0, 0, 0, button, SDL_PRESSED, 1, 0, x, y}}, view);
   };
   key(SDL_KEYDOWN, SDL_SCANCODE_RETURN, KMOD_LALT, 0);
   key(SDL_KEYDOWN, SDL_SCANCODE_SPACE, KMOD_NONE, 1);  // automatic repeats arrive as presses
@@ -51,10 +44,7 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
 
   click(SDL_BUTTON_LEFT, 10, 20);
   click(SDL_BUTTON_RIGHT, 50, 50);
-  SDL_Event resize{.type = SDL_WINDOWEVENT};
-  resize.window.event = SDL_WINDOWEVENT_SIZE_CHANGED;
-  resize.window.data1 = 800;
-  resize.window.data2 = 450;
+  const SDL_Event resize{.window = {SDL_WINDOWEVENT, 0, 0, SDL_WINDOWEVENT_SIZE_CHANGED, 0, 0, 0, 800, 450}};
   EXPECT_EQ(dispatchEvent(resize, view), EventOutcome::handled);
   EXPECT_EQ(scene->size(), (Size{800, 450}));
   click(SDL_BUTTON_LEFT, 0, 0);
