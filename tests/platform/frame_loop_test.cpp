@@ -15,32 +15,30 @@ namespace zb {
 namespace {
 
 // Before each pass the clock moves by the next advance. The log: 's' a step, 'd' a draw, 'w' a wait.
-class FakeHost : public FrameLoopHost {
- public:
-  FakeHost(std::vector<double> advances, bool minimized) : advances_(std::move(advances)), minimized_(minimized) {}
+struct FakeHost : FrameLoopHost {
   bool handleEvents() override {
-    if (pass_ == advances_.size()) return false;
-    clock_ += advances_[pass_++];
+    if (pass == advances.size()) return false;
+    clock += advances[pass++];
     return true;
   }
-  double now() override { return clock_; }
+  double now() override { return clock; }
   void waitFor(double) override { log += 'w'; }
-  bool minimized() override { return minimized_; }
+  bool minimized() override { return isMinimized; }
   bool draw(double) override {
     log += 'd';
     return true;
   }
+  std::vector<double> advances;
+  bool isMinimized = false;
   std::string log;
-
- private:
-  std::vector<double> advances_;
-  bool minimized_;
-  size_t pass_ = 0;
-  double clock_ = 0;
+  size_t pass = 0;
+  double clock = 0;
 };
 
 std::string run(std::vector<double> advances, bool minimized = false, FrameLoopOptions options = {}) {
-  FakeHost host(std::move(advances), minimized);
+  FakeHost host;
+  host.advances = std::move(advances);
+  host.isMinimized = minimized;
   options.beforeStep = [&] { host.log += 's'; };
   View view(Size{100, 100});
   FramePacer pacer;
