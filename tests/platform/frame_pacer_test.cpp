@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/frame_rate_meter.hpp"
-
 namespace zb {
 namespace {
 
@@ -29,23 +27,13 @@ TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
   EXPECT_NEAR(stepsAt(1000, 0, 5), 300, 2) << "a vsync that stops blocking, e.g. a minimised window";
 }
 
-TEST(FramePacer, ShortStallsAreCaughtUpLongOnesDroppedAndBackwardClocksIgnored) {
+TEST(FramePacer, ShortStallsAreCaughtUpAndLongOnesDropped) {
   FramePacer pacer(false);
   EXPECT_EQ(pacer.stepsDue(0), 1);
   EXPECT_NEAR(pacer.secondsUntilNextStep(0.01), 1.0 / 60 - 0.01, 1e-9);
   EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 0.001), 3);
   EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 2.0), FramePacer::kMaxCatchUpSteps);
   EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 2.001), 0);
-  EXPECT_EQ(pacer.stepsDue(1), 0);
-  EXPECT_EQ(pacer.stepsDue(1 + 1.0 / 60 + 1e-6), 1);
-}
-
-TEST(FrameRateMeter, ReportsFramesPerSecondOverHalfSecondWindows) {
-  FrameRateMeter meter;
-  for (int i = 0; i <= 60; ++i) meter.frameDrawn(i / 60.0);
-  EXPECT_NEAR(meter.framesPerSecond(), 60, 0.5);
-  for (int i = 1; i <= 30; ++i) meter.frameDrawn(1 + i / 30.0);
-  EXPECT_NEAR(meter.framesPerSecond(), 30, 0.5);
 }
 
 }  // namespace
