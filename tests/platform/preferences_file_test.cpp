@@ -23,10 +23,8 @@ fs::path fileIn(const TempFolder& folder) { return folder.path() / "zindlebop" /
 // Floats and bools through the file are covered with the settings; here the awkward keys and values.
 TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovalsStick) {
   TempFolder folder("zb-prefs-types");
-  const std::map<std::string, PreferenceValue> stored = {
-      {"odd key [x]=1", std::string("Zoë = \"best\"\nsecond line")},
-      {"negative", int64_t{-7}},
-  };
+  const std::map<std::string, PreferenceValue> stored = {{"odd key [x]=1", std::string("Zoë = \"best\"\nsecond")},
+                                                         {"negative", int64_t{-7}}};
   FilePreferences prefs(fileIn(folder));
   for (const auto& [key, value] : stored) prefs.setObject(key, value);
   prefs.setInteger(1, "gone");
@@ -34,11 +32,9 @@ TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovals
   EXPECT_EQ(FilePreferences(fileIn(folder)).dictionaryRepresentation(), stored);
 }
 
-// Two copies of the game on one file: each sees the other's best score within a quarter of a second,
-// and their writes merge instead of writing over each other. Then a full disk, made with a file-size
-// limit so that it works for any user: a write of more than the limit fails half-way while smaller
-// writes, like the other copy's, still succeed. The old file must stay whole, and the value that could
-// not be saved must survive in memory, across the other copy's change, until a write can save it.
+// Two copies of the game on one file see and merge each other's writes. A full disk (a file-size limit,
+// which works for any user, fails a long write half-way) leaves the old file whole, and the value that
+// could not be saved stays in memory across the other copy's change until a write can save it.
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
   TempFolder folder("zb-prefs-copies");
   const fs::path file = fileIn(folder);
