@@ -25,10 +25,9 @@ int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
   cairo_surface_flush(b);
   const auto* pa = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(a));
   const auto* pb = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(b));
+  const int64_t size = int64_t{cairo_image_surface_get_stride(a)} / 4 * cairo_image_surface_get_height(a);
   int64_t count = 0;
-  for (int64_t i = 0; i < int64_t{cairo_image_surface_get_stride(a)} / 4 * cairo_image_surface_get_height(a); ++i) {
-    count += (pa[i] & 0xffffff) != (pb[i] & 0xffffff);
-  }
+  for (int64_t i = 0; i < size; ++i) count += (pa[i] & 0xffffff) != (pb[i] & 0xffffff);
   return count;
 }
 
@@ -38,7 +37,6 @@ struct TrackedRun {
   HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
   Renderer tracked, full;
   Surface kept{nullptr, cairo_surface_destroy};
-  PixelSize keptSize;
   double pixelScale = 1;
   int64_t framesWithDiff = 0;
 
@@ -46,9 +44,9 @@ struct TrackedRun {
   double drawAndCompare(uint64_t frame) {
     const Size size = session.view().size();
     const PixelSize pixels{static_cast<int>(size.width * pixelScale), static_cast<int>(size.height * pixelScale)};
-    const bool stillThere = kept && pixels.width == keptSize.width && pixels.height == keptSize.height;
+    const bool stillThere = kept && cairo_image_surface_get_width(kept.get()) == pixels.width &&
+                            cairo_image_surface_get_height(kept.get()) == pixels.height;
     if (!stillThere) kept = image(pixels);
-    keptSize = pixels;
     const Surface reference = image(pixels);
     cairo_t* cr = cairo_create(kept.get());
     const auto& damage = tracked.drawChanges(cr, pixels, session.view(), pixelScale, 60, stillThere);

@@ -14,8 +14,7 @@ LabelNodePtr label(const std::string& text, double size) {
   return l;
 }
 
-// Where labels stand and how big they are shows in the HUD layout tests and the screenshot comparisons;
-// no committed picture wraps, and the monospaced stand-in for the missing Menlo is told here directly.
+// Placement and size show in the HUD and screenshot tests; wrapping and the monospaced Menlo stand-in do not.
 TEST(TextLayoutTest, TheDefaultFaceIsMonospacedAndTextWrapsAtTheWidthToTheAllowedLines) {
   EXPECT_NEAR(label("Score: 1234", 18)->frame().width() / label("Score: 0", 18)->frame().width(), 11.0 / 8.0, 0.01);
   EXPECT_FALSE(label("", 18)->contentBounds().has_value());

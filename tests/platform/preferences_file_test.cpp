@@ -13,31 +13,29 @@
 namespace zb {
 namespace {
 
-using test::TempFolder;
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-// The file sits one folder down, so that each test also sees the missing folder made.
-fs::path fileIn(const TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
+fs::path fileInNewFolder(const test::TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
 
 // Floats and bools through the file are covered with the settings; here the awkward keys and values.
 TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovalsStick) {
-  TempFolder folder("zb-prefs-types");
+  test::TempFolder folder("zb-prefs-types");
   const std::map<std::string, PreferenceValue> stored = {{"odd key [x]=1", std::string("Zoë = \"best\"\nsecond")},
                                                          {"negative", int64_t{-7}}};
-  FilePreferences prefs(fileIn(folder));
+  FilePreferences prefs(fileInNewFolder(folder));
   for (const auto& [key, value] : stored) prefs.setObject(key, value);
   prefs.setInteger(1, "gone");
   prefs.removeObject("gone");
-  EXPECT_EQ(FilePreferences(fileIn(folder)).dictionaryRepresentation(), stored);
+  EXPECT_EQ(FilePreferences(fileInNewFolder(folder)).dictionaryRepresentation(), stored);
 }
 
 // Two copies of the game on one file see and merge each other's writes. A full disk (a file-size limit,
 // which works for any user, fails a long write half-way) leaves the old file whole, and the value that
 // could not be saved stays in memory across the other copy's change until a write can save it.
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
-  TempFolder folder("zb-prefs-copies");
-  const fs::path file = fileIn(folder);
+  test::TempFolder folder("zb-prefs-copies");
+  const fs::path file = fileInNewFolder(folder);
   FilePreferences mine(file), theirs(file);
   mine.setInteger(10, "quorraHighScore");
   std::this_thread::sleep_for(300ms);

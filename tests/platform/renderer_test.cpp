@@ -18,7 +18,7 @@ constexpr Color kBlue = Color::rgba(0, 0, 1, 1);
 using Rgb = std::array<int, 3>;
 constexpr Rgb kRedPixel{255, 0, 0}, kBluePixel{0, 0, 255}, kWhitePixel{255, 255, 255};
 
-bool isDark(const Rgb& p) { return p[0] < 128 && p[1] < 128 && p[2] < 128; }
+bool inked(const Rgb& p) { return p != kWhitePixel; }
 
 // The view drawn into memory at a device scale (2 as on a HiDPI window), read back with y up.
 class Canvas {
@@ -33,14 +33,13 @@ class Canvas {
   }
   ~Canvas() { cairo_surface_destroy(surface_); }
   Rgb at(int x, int y) const {
-    const int height = cairo_image_surface_get_height(surface_);
-    const unsigned char* row =
-        cairo_image_surface_get_data(surface_) + (height - 1 - y) * cairo_image_surface_get_stride(surface_);
-    const uint32_t p = reinterpret_cast<const uint32_t*>(row)[x];
+    const int perRow = cairo_image_surface_get_stride(surface_) / 4;
+    const int row = cairo_image_surface_get_height(surface_) - 1 - y;
+    const uint32_t p = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(surface_))[row * perRow + x];
     return {static_cast<int>((p >> 16) & 0xFF), static_cast<int>((p >> 8) & 0xFF), static_cast<int>(p & 0xFF)};
   }
-  // Pixels in [x0, x1) x [y0, y1) that pass `test`; dark ones by default.
-  int count(int x0, int y0, int x1, int y1, bool (*test)(const Rgb&) = isDark) const {
+  // Pixels in [x0, x1) x [y0, y1) that pass `test`; any but white by default.
+  int count(int x0, int y0, int x1, int y1, bool (*test)(const Rgb&) = inked) const {
     int found = 0;
     for (int y = y0; y < y1; ++y)
       for (int x = x0; x < x1; ++x) found += test(at(x, y));
@@ -129,12 +128,11 @@ TEST_F(RendererTest, StrokesCapsTranslucentFillsAndLabelColoursAndAtScaleTwoEver
   EXPECT_NEAR(hiDpi.at(181, 80)[1], 128, 2);
   EXPECT_EQ(hiDpi.at(179, 80), kWhitePixel);
   // The text, sharper, still only inside the frame it was measured to have.
-  const auto inked = [](const Rgb& p) { return p != kWhitePixel; };
   const Rect frame = label->frame().insetBy(-1, -1);
   const auto edge = [](double v) { return static_cast<int>(std::lround(2 * v)); };
-  const int inside = hiDpi.count(edge(frame.minX()), edge(frame.minY()), edge(frame.maxX()), edge(frame.maxY()), inked);
+  const int inside = hiDpi.count(edge(frame.minX()), edge(frame.minY()), edge(frame.maxX()), edge(frame.maxY()));
   EXPECT_GT(inside, 100);
-  EXPECT_EQ(hiDpi.count(240, 0, 400, 200, inked), inside);
+  EXPECT_EQ(hiDpi.count(240, 0, 400, 200), inside);
 }
 
 TEST_F(RendererTest, CountersShowInTheLowerRightCornerOnlyWhenAskedFor) {

@@ -48,7 +48,6 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   EXPECT_EQ(scene->size(), (Size{800, 450}));
   click(SDL_BUTTON_LEFT, 0, 0);
   EXPECT_EQ(scene->clicks, (std::vector<Point>{{10, 280}, {0, 450}})) << "y up, the left button only";
-  // Closing the window is checked with the real window; the desktop's quit request must end the game too.
   EXPECT_EQ(dispatchEvent(SDL_Event{.type = SDL_QUIT}, view), EventOutcome::quit);
 }
 
