@@ -28,8 +28,6 @@ class OffscreenVideo : public testing::Test {
   std::string error;
 };
 
-// Without a window manager no event may come for a change of size, and with one a size may be refused:
-// either way the scene must fill the window it is actually shown in.
 TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindowsSizeEvenWhenNoEventSaidSo) {
   NotificationCenter center;
   std::vector<std::string> posted;
@@ -43,6 +41,8 @@ TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindows
     window->postFullScreenChanges(center);
     window->postFullScreenChanges(center);
   }
+  // Without a window manager no event may come for a change of size, and with one a size may be refused:
+  // either way the scene must fill the window it is actually shown in.
   auto canvas = WindowCanvas::create(window->handle(), error);
   ASSERT_NE(canvas, nullptr) << error;
   SdlView view(window->sizeInPoints(), window.get(), nullptr);
