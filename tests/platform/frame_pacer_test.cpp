@@ -2,61 +2,30 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "platform/frame_rate_meter.hpp"
-
 namespace zb {
 namespace {
 
-TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
-  struct Case {
-    double hz;
-    bool vsync;
-    double jitter, seconds;
-    int steps, tolerance;
-  };
-  const Case cases[] = {
-      {60, true, 0.004, 10, 600, 0},  // exactly one step per frame despite jitter
-      {59.94, true, 0, 60, 3596, 0},  // and despite a panel's drift
-      {120, false, 0, 10, 600, 1},
-      {144, false, 0, 10, 600, 1},
-      {1000, true, 0, 5, 300, 2},  // a vsync that stops blocking, e.g. a minimised window
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.hz);
-    FramePacer pacer(c.vsync);
-    double now = 100;
-    pacer.stepsDue(now);  // starts the clock
-    int steps = 0, mostInOnePass = 0;
-    for (int i = 0; i < static_cast<int>(c.seconds * c.hz + 0.5); ++i) {
-      now += 1 / c.hz + (i % 2 == 0 ? c.jitter : -c.jitter);
-      const int due = pacer.stepsDue(now);
-      steps += due;
-      mostInOnePass = std::max(mostInOnePass, due);
-    }
-    EXPECT_NEAR(steps, c.steps, c.tolerance);
-    EXPECT_EQ(mostInOnePass, 1);
+// The steps taken over `seconds` of frames at `hz` with vsync, each frame alternately early and late.
+int stepsAt(double hz, double jitter, double seconds) {
+  FramePacer pacer(true);
+  double now = 100;
+  pacer.stepsDue(now);  // starts the clock
+  int steps = 0;
+  for (int i = 0; i < static_cast<int>(seconds * hz + 0.5); ++i) {
+    now += 1 / hz + (i % 2 == 0 ? jitter : -jitter);
+    const int due = pacer.stepsDue(now);
+    EXPECT_LE(due, 1) << "two steps in one pass at " << hz << " Hz";
+    steps += due;
   }
+  return steps;
 }
 
-TEST(FramePacer, ShortStallsAreCaughtUpLongOnesDroppedAndBackwardClocksIgnored) {
-  FramePacer pacer(false);
-  EXPECT_EQ(pacer.stepsDue(0), 1);
-  EXPECT_NEAR(pacer.secondsUntilNextStep(0.01), 1.0 / 60 - 0.01, 1e-9);
-  EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 0.001), 3);
-  EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 2.0), FramePacer::kMaxCatchUpSteps);
-  EXPECT_EQ(pacer.stepsDue(3.0 / 60 + 2.001), 0);
-  EXPECT_EQ(pacer.stepsDue(1), 0);
-  EXPECT_EQ(pacer.stepsDue(1 + 1.0 / 60 + 1e-6), 1);
-}
-
-TEST(FrameRateMeter, ReportsFramesPerSecondOverHalfSecondWindows) {
-  FrameRateMeter meter;
-  for (int i = 0; i <= 60; ++i) meter.frameDrawn(i / 60.0);
-  EXPECT_NEAR(meter.framesPerSecond(), 60, 0.5);
-  for (int i = 1; i <= 30; ++i) meter.frameDrawn(1 + i / 30.0);
-  EXPECT_NEAR(meter.framesPerSecond(), 30, 0.5);
+// Other refresh rates without vsync, and slower game speeds, are covered with the game speed option;
+// stalls and waits with the frame loop.
+TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
+  EXPECT_EQ(stepsAt(60, 0.004, 10), 600) << "exactly one step per frame despite jitter";
+  EXPECT_EQ(stepsAt(59.94, 0, 60), 3596) << "and despite a panel's drift";
+  EXPECT_NEAR(stepsAt(1000, 0, 5), 300, 2) << "a vsync that stops blocking, e.g. a minimised window";
 }
 
 }  // namespace

@@ -12,33 +12,17 @@
 namespace zb {
 namespace {
 
-TEST(KeyMapping, NamesAndScancodesGiveTheGameKeysTheirVirtualCodes) {
-  struct Case {
-    const char* name;
-    SDL_Scancode scancode;
-    uint16_t code;
-  };
-  const Case cases[] = {
-      {"space", SDL_SCANCODE_SPACE, keycode::space},         {"p", SDL_SCANCODE_P, keycode::p},
-      {"return", SDL_SCANCODE_RETURN2, keycode::returnKey},  {"enter", SDL_SCANCODE_KP_ENTER, keycode::keypadEnter},
-      {"escape", SDL_SCANCODE_ESCAPE, keycode::escape},      {"down", SDL_SCANCODE_DOWN, keycode::downArrow},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    EXPECT_EQ(keyCodeForName(c.name), c.code);
-    EXPECT_EQ(keyCodeForScancode(c.scancode), c.code);
-  }
+TEST(KeyMapping, NamesAndScancodesGiveEachKeyItsOwnVirtualCodeAndOtherKeysNone) {
+  // The main Return, Space and the arrows reach the scene in the event tests; here the other Returns.
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_RETURN2), keycode::returnKey);
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_KP_ENTER), keycode::keypadEnter);
+  EXPECT_EQ(keyCodeForName("enter"), keycode::keypadEnter);
   EXPECT_EQ(modifierFlagsFor(KMOD_RALT | KMOD_LSHIFT), kOptionModifierFlag);
   EXPECT_EQ(modifierFlagsFor(KMOD_SHIFT | KMOD_CTRL | KMOD_GUI), 0u);
-}
 
-TEST(KeyMapping, EveryLetterAndDigitHasItsOwnCodeAndOtherKeysNone) {
   std::set<uint16_t> codes;
   for (char c : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) codes.insert(*keyCodeForName(std::string(1, c)));
-  for (const char* name : {"space", "return", "enter", "escape", "down", "up", "left", "right"}) {
-    codes.insert(*keyCodeForName(name));
-  }
-  EXPECT_EQ(codes.size(), 44u);
+  EXPECT_EQ(codes.size(), 36u);
   for (const char* name : {"", "P", "Space", "f1", "10", "enter "}) EXPECT_FALSE(keyCodeForName(name)) << name;
   EXPECT_GE(keyCodeForScancode(SDL_SCANCODE_F1), kUnmappedKeyCodeBase);
 }

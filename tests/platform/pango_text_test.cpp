@@ -14,35 +14,17 @@ LabelNodePtr label(const std::string& text, double size) {
   return l;
 }
 
-TEST(TextLayoutTest, MenloIsDejaVuSansMono) { EXPECT_EQ(resolvedFamilyFor("Menlo"), "DejaVu Sans Mono"); }
-
-TEST(TextLayoutTest, FramesFollowTheTextSizeAndAlignment) {
-  LabelNodePtr text = label("Score: 0", 18);
-  const Rect a = text->frame();
-  // A monospaced face: four more characters, four more advances.
-  EXPECT_NEAR(label("Score: 1234", 18)->frame().width() / a.width(), 11.0 / 8.0, 0.01);
-  // Centred on the position, standing on the baseline with the descent below it.
-  EXPECT_NEAR(a.midX(), 0, 1e-6);
-  EXPECT_LT(a.minY(), 0);
-  EXPECT_GT(a.maxY(), 0.5 * 18);
-  text->position = {100, 50};
-  text->horizontalAlignment = HorizontalAlignment::left;
-  EXPECT_NEAR(text->frame().minX(), 100, 1e-6);
-  text->horizontalAlignment = HorizontalAlignment::right;
-  EXPECT_NEAR(text->frame().maxX(), 100, 1e-6);
-  text->setFontSize(36);
-  EXPECT_NEAR(text->frame().width(), 2 * a.width(), 1e-3);
+// Placement and size show in the HUD and screenshot tests; wrapping and the monospaced Menlo stand-in do not.
+TEST(TextLayoutTest, TheDefaultFaceIsMonospacedAndTextWrapsAtTheWidthToTheAllowedLines) {
+  EXPECT_NEAR(label("Score: 1234", 18)->frame().width() / label("Score: 0", 18)->frame().width(), 11.0 / 8.0, 0.01);
   EXPECT_FALSE(label("", 18)->contentBounds().has_value());
-}
 
-TEST(TextLayoutTest, WrapsAtTheWidthAndKeepsAtMostTheAllowedLines) {
   const double lineHeight = label("Mg", 16)->frame().height();
   LabelNodePtr wrapped = label("You ran into a box. The box did not even move. Think about that for a moment.", 16);
   wrapped->setPreferredMaxLayoutWidth(300);
   wrapped->setNumberOfLines(2);
   const Rect two = wrapped->frame();
   EXPECT_LE(two.width(), 300);
-  EXPECT_GT(two.width(), 200);
   EXPECT_NEAR(two.height(), 2 * lineHeight, 0.5);
   wrapped->setNumberOfLines(0);
   EXPECT_NEAR(wrapped->frame().height(), 3 * lineHeight, 0.5);

@@ -1,41 +1,28 @@
-// Which way frames reach the screen: the override's words and the drivers that do not count as hardware.
+// The override's words and the drivers that do not count as hardware; the choice is checked with the window.
 #include "platform/present_path.hpp"
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+#include <tuple>
+
 namespace zb::test {
 namespace {
 
-TEST(PresentPath, OverrideAcceptsTheTwoPathsAndNamesAnythingElse) {
-  struct Case {
-    const char* value;
-    std::optional<PresentPath> path;
-    bool complains;
-  };
-  const Case cases[] = {
-      {nullptr, std::nullopt, false}, {"", std::nullopt, false},         {"gl", PresentPath::gl, false},
-      {"GL", PresentPath::gl, false}, {"framebuffer", PresentPath::framebuffer, false},
-      {"vulkan", std::nullopt, true}, {"gl ", std::nullopt, true},
-  };
-  for (const Case& each : cases) {
+TEST(PresentPath, TheOverrideNamesAnythingButTheTwoPathsAndSoftwareDriversAreToldFromCards) {
+  const std::tuple<const char*, std::optional<PresentPath>, bool> cases[] = {
+      {nullptr, std::nullopt, false}, {"", std::nullopt, false}, {"GL", PresentPath::gl, false},
+      {"framebuffer", PresentPath::framebuffer, false}, {"gl ", std::nullopt, true}};
+  for (const auto& [value, path, complains] : cases) {
     std::string complaint = "left over";
-    EXPECT_EQ(requestedPresentPath(each.value, complaint), each.path) << (each.value ? each.value : "unset");
-    EXPECT_EQ(!complaint.empty(), each.complains) << complaint;
+    EXPECT_EQ(requestedPresentPath(value, complaint), path) << (value ? value : "unset");
+    EXPECT_EQ(!complaint.empty(), complains) << complaint;
   }
-  std::string complaint;
-  requestedPresentPath(std::string(500, 'x').c_str(), complaint);
-  EXPECT_LT(complaint.size(), 140u) << "a long value is cut short in the message";
-}
 
-TEST(PresentPath, SoftwareDriversAreToldFromGraphicsCards) {
-  const std::pair<const char*, bool> renderers[] = {
-      {"llvmpipe (LLVM 15.0.6, 256 bits)", true},
-      {"Mesa DRI swrast", true},
-      {"", true},
-      {"AMD Radeon RX 6600 (navi23, LLVM 15.0.6, DRM 3.49)", false},
-      {"NVIDIA GeForce GTX 1660/PCIe/SSE2", false},
-  };
-  for (const auto& [name, software] : renderers) EXPECT_EQ(isSoftwareGlRenderer(name), software) << name;
+  EXPECT_TRUE(isSoftwareGlRenderer("llvmpipe (LLVM 15.0.6, 256 bits)"));
+  EXPECT_TRUE(isSoftwareGlRenderer(""));
+  EXPECT_FALSE(isSoftwareGlRenderer("NVIDIA GeForce GTX 1660/PCIe/SSE2"));
 }
 
 }  // namespace
