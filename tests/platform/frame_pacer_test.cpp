@@ -1,4 +1,5 @@
 #include "platform/frame_pacer.hpp"
+#include "platform/frame_rate_meter.hpp"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,15 @@ TEST(FramePacer, SixtyStepsASecondAtAnyRefreshRateNeverTwoInOnePass) {
   EXPECT_EQ(stepsAt(60, 0.004, 10), 600) << "exactly one step per frame despite jitter";
   EXPECT_EQ(stepsAt(59.94, 0, 60), 3596) << "and despite a panel's drift";
   EXPECT_NEAR(stepsAt(1000, 0, 5), 300, 2) << "a vsync that stops blocking, e.g. a minimised window";
+}
+
+// What the frame-rate counter shows follows the frames actually drawn.
+TEST(FrameRateMeter, ReportsFramesPerSecondOverHalfSecondWindows) {
+  FrameRateMeter meter;
+  for (int i = 0; i <= 60; ++i) meter.frameDrawn(i / 60.0);
+  EXPECT_NEAR(meter.framesPerSecond(), 60, 0.5);
+  for (int i = 1; i <= 30; ++i) meter.frameDrawn(1 + i / 30.0);
+  EXPECT_NEAR(meter.framesPerSecond(), 30, 0.5);
 }
 
 }  // namespace

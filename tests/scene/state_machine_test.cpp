@@ -134,6 +134,9 @@ TEST(StateMachine, ARunEndsWithoutWritingTheBest) {
   EXPECT_FALSE(crashed.view->cursorHidden());
   EXPECT_EQ(crashed->highScore, crashed->score);
   EXPECT_FALSE(crashed.preferences->objectForKey("quorraHighScore").has_value());
+  // The crash frame still scores its point after the page was filled: the HUD is one ahead.
+  EXPECT_EQ(crashed->scoreLabel->text(), "Score: " + std::to_string(crashed->score));
+  EXPECT_EQ(crashed->goScore->text(), "Score: " + std::to_string(crashed->score - 1));
 
   AttachedScene abandoned;
   enter(abandoned, G::playing);
