@@ -60,33 +60,46 @@ class TimedActionWith final : public TimedAction {
   Param param_;
 };
 
-// Moves by a total offset, applying only the change since its last step so that moves add up. While
-// nothing else moves the node it places it at start + total * t, so a move ends exactly on its target.
-class MoveByRun final : public TimedRun {
+// The arithmetic of the additive runs, on single numbers and on points.
+Point plus(Point a, Point b) { return {a.x + b.x, a.y + b.y}; }
+Point minus(Point a, Point b) { return {a.x - b.x, a.y - b.y}; }
+Point scaled(Point a, double t) { return {a.x * t, a.y * t}; }
+double plus(double a, double b) { return a + b; }
+double minus(double a, double b) { return a - b; }
+double scaled(double a, double t) { return a * t; }
+
+// Changes a node's property by a total amount, applying only the change since its last step so that
+// moves (or turns) run together add up. While nothing else writes the property it is set to
+// start + total * t, so the action ends exactly on its target.
+template <class Value, Value Node::*kProperty>
+class ChangeByRun final : public TimedRun {
  public:
-  MoveByRun(const Node& target, Point delta, double duration)
-      : TimedRun(duration), delta_(delta), start_(target.position), lastWritten_(target.position) {}
+  ChangeByRun(const Node& target, Value total, double duration)
+      : TimedRun(duration), total_(total), start_(target.*kProperty), lastWritten_(target.*kProperty) {}
 
  protected:
   void update(Node& target, double t) override {
-    Point applied{delta_.x * t, delta_.y * t};
-    if (target.position == lastWritten_) {
-      target.position = {start_.x + applied.x, start_.y + applied.y};
+    Value& property = target.*kProperty;
+    const Value applied = scaled(total_, t);
+    if (property == lastWritten_) {
+      property = plus(start_, applied);
     } else {
-      target.position.x += applied.x - applied_.x;
-      target.position.y += applied.y - applied_.y;
-      start_ = {target.position.x - applied.x, target.position.y - applied.y};
+      property = plus(property, minus(applied, applied_));
+      start_ = minus(property, applied);
     }
     applied_ = applied;
-    lastWritten_ = target.position;
+    lastWritten_ = property;
   }
 
  private:
-  Point delta_;
-  Point start_;
-  Point lastWritten_;
-  Point applied_;
+  Value total_;
+  Value start_;
+  Value lastWritten_;
+  Value applied_{};
 };
+
+using MoveByRun = ChangeByRun<Point, &Node::position>;
+using RotateByRun = ChangeByRun<double, &Node::zRotation>;
 
 class MoveToXRun final : public TimedRun {
  public:
@@ -115,32 +128,6 @@ class FadeOut final : public TimedAction {
  public:
   using TimedAction::TimedAction;
   std::unique_ptr<Run> start(Node& target) const override { return std::make_unique<FadeOutRun>(target, duration_); }
-};
-
-// Additive like the move, for the same reason.
-class RotateByRun final : public TimedRun {
- public:
-  RotateByRun(const Node& target, double angle, double duration)
-      : TimedRun(duration), angle_(angle), start_(target.zRotation), lastWritten_(target.zRotation) {}
-
- protected:
-  void update(Node& target, double t) override {
-    double applied = angle_ * t;
-    if (target.zRotation == lastWritten_) {
-      target.zRotation = start_ + applied;
-    } else {
-      target.zRotation += applied - applied_;
-      start_ = target.zRotation - applied;
-    }
-    applied_ = applied;
-    lastWritten_ = target.zRotation;
-  }
-
- private:
-  double angle_;
-  double start_;
-  double lastWritten_;
-  double applied_ = 0;
 };
 
 class ChangeVolumeRun final : public TimedRun {
