@@ -5,7 +5,7 @@ set -euo pipefail
 
 build_packages=(
   build-essential cmake ninja-build pkg-config
-  libsdl2-dev libsdl2-mixer-dev libcairo2-dev libpango1.0-dev libglib2.0-dev libx11-dev fonts-dejavu-core
+  libsdl2-dev libsdl2-mixer-dev libcairo2-dev libpixman-1-dev libpango1.0-dev libglib2.0-dev libx11-dev fonts-dejavu-core
   librsvg2-bin  # draws the icons from their SVG at build time
 )
 test_packages=(

@@ -184,15 +184,13 @@ void installPangoText() {
   installTextMeasurer(&measurer);
 }
 
-void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha) {
+void showLabelText(cairo_t* cr, const LabelNode& label) {
   const LabelLayout& l = LabelLayoutCache::of(label);
   if (l.empty || !cr) return;
   Point origin = l.origin();
   cairo_save(cr);
   cairo_translate(cr, origin.x, origin.y);
   cairo_scale(cr, 1, -1);
-  const Color& c = label.fontColor;
-  cairo_set_source_rgba(cr, c.r, c.g, c.b, c.a * alpha);
   cairo_new_path(cr);
   cairo_move_to(cr, 0, 0);
   pango_cairo_show_layout(cr, l.layout);

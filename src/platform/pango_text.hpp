@@ -16,9 +16,9 @@ class LabelNode;
 // Makes pango the labels' measurer; the font aliases are registered with the first layout.
 void installPangoText();
 
-// Draws the label's text in its font colour, times `alpha`, with the current cairo user space taken
-// as the label's own coordinates with y up (the text is flipped upright internally).
-void drawLabelText(cairo_t* cr, const LabelNode& label, double alpha);
+// Draws the label's text with the current cairo source, the current user space taken as the label's
+// own coordinates with y up (the text is flipped upright internally).
+void showLabelText(cairo_t* cr, const LabelNode& label);
 
 // The one pango context every label is laid out in: the font aliases, no metric hinting and
 // unrounded glyph positions, so a layout measures the same at any drawing scale.

@@ -1,20 +1,19 @@
 #include "platform/renderer.hpp"
 
 #include <cairo.h>
+#include <pixman.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "engine/label_node.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
-#include "platform/draw_records.hpp"
+#include "platform/item_stamps.hpp"
 #include "platform/pango_text.hpp"
 
 namespace zb {
@@ -41,7 +40,7 @@ struct DrawItem {
   cairo_matrix_t toScene;
 };
 
-// Damage boxes beyond this many are merged: each box costs a copy and an upload of its own.
+// Damage boxes beyond this many are merged: each box costs a clip rectangle and an upload of its own.
 constexpr std::size_t kMaxDamageRects = 32;
 
 // Reused from frame to frame, so collecting the draw list allocates only when the scene grows.
@@ -82,64 +81,8 @@ void collectDrawables(const Node& parent, const cairo_matrix_t& parentToScene, d
   }
 }
 
-void setSource(cairo_t* cr, const Color& color, double alpha) {
-  cairo_set_source_rgba(cr, color.r, color.g, color.b, std::clamp(color.a * alpha, 0.0, 1.0));
-}
-
-void appendPath(cairo_t* cr, const Path& path) {
-  cairo_new_path(cr);
-  for (const Path::Element& e : path.elements()) {
-    switch (e.kind) {
-      case Path::Kind::moveTo:
-        cairo_move_to(cr, e.point.x, e.point.y);
-        break;
-      case Path::Kind::lineTo:
-        cairo_line_to(cr, e.point.x, e.point.y);
-        break;
-      case Path::Kind::arc:
-        // User space is y-up here, so increasing angles run counter-clockwise on screen.
-        cairo_arc(cr, e.center.x, e.center.y, e.radius, e.startAngle, e.endAngle);
-        break;
-      case Path::Kind::close:
-        cairo_close_path(cr);
-        break;
-    }
-  }
-}
-
-cairo_line_cap_t cairoCap(LineCap cap) {
-  switch (cap) {
-    case LineCap::round:
-      return CAIRO_LINE_CAP_ROUND;
-    case LineCap::square:
-      return CAIRO_LINE_CAP_SQUARE;
-    case LineCap::butt:
-      break;
-  }
-  return CAIRO_LINE_CAP_BUTT;
-}
-
-void drawShape(cairo_t* cr, const ShapeNode& shape, double alpha) {
-  const bool fills = shape.fillColor.a > 0;
-  const bool strokes = shape.strokeColor.a > 0 && shape.lineWidth > 0;
-  if (shape.path.isEmpty() || (!fills && !strokes)) return;
-  appendPath(cr, shape.path);
-  if (fills) {
-    setSource(cr, shape.fillColor, alpha);
-    cairo_fill_preserve(cr);
-  }
-  if (strokes) {
-    setSource(cr, shape.strokeColor, alpha);
-    cairo_set_line_width(cr, shape.lineWidth);
-    cairo_set_line_cap(cr, cairoCap(shape.lineCap));
-    cairo_stroke_preserve(cr);
-  }
-  cairo_new_path(cr);
-}
-
-// The scene's drawable items in drawing order, in a list reused from frame to frame.
-std::vector<DrawItem>& sortedDrawables(const Scene& scene) {
-  std::vector<DrawItem>& items = tDrawList;
+// Fills `items` with the scene's drawable items in drawing order.
+void sortDrawables(const Scene& scene, std::vector<DrawItem>& items) {
   items.clear();
   cairo_matrix_t identity;
   cairo_matrix_init_identity(&identity);
@@ -149,89 +92,70 @@ std::vector<DrawItem>& sortedDrawables(const Scene& scene) {
     return a.z < b.z || (a.z == b.z && a.order < b.order);
   };
   if (!std::is_sorted(items.begin(), items.end(), byDepth)) std::sort(items.begin(), items.end(), byDepth);
-  return items;
 }
 
-void drawItem(cairo_t* cr, const DrawItem& item, const cairo_matrix_t& sceneToDevice) {
-  cairo_matrix_t toDevice;
-  cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
-  cairo_set_matrix(cr, &toDevice);
-  if (item.kind == DrawKind::shape) {
-    drawShape(cr, static_cast<const ShapeNode&>(*item.node), item.alpha);
-  } else {
-    drawLabelText(cr, static_cast<const LabelNode&>(*item.node), item.alpha);
-  }
-}
-
-struct CounterBox {
-  std::array<LabelNode*, 2> lines{};
-  std::size_t lineCount = 0;
-  Rect box;  // the backdrop, in scene points
-};
-
-// The two counter lines, kept between frames so that their text is laid out again only on change.
-struct CounterLabels {
-  CounterLabels() {
+// The two counter lines and their backdrop, kept between frames so that their text is laid out again
+// only on change.
+struct Counters {
+  Counters() {
     for (LabelNode* label : {&fps, &nodes}) {
       label->setFontSize(kCounterFontSize);
       label->fontColor = kCounterTextColor;
       label->horizontalAlignment = HorizontalAlignment::right;
     }
+    backdrop.fillColor = kCounterBackdropColor;
+    backdrop.strokeColor = Color::clear();
   }
   LabelNode fps;
   LabelNode nodes;
+  ShapeNode backdrop;
 };
 
 void setTextIfChanged(LabelNode& label, const std::string& text) {
   if (label.text() != text) label.setText(text);
 }
 
-// The counters sit in the lower-right corner on a dark backdrop, frame rate on the bottom line.
-// Nothing when neither counter is on.
-std::optional<CounterBox> layoutCounters(const View& view, double framesPerSecond) {
-  thread_local CounterLabels counters;
-  CounterBox result;
+// The counters sit in the lower-right corner on a dark backdrop, frame rate on the bottom line, over
+// everything else: their items go at the end of the list. Nothing when neither counter is on.
+void appendCounters(const View& view, double framesPerSecond, std::vector<DrawItem>& items) {
+  thread_local Counters counters;
+  std::array<LabelNode*, 2> lines{};
+  std::size_t lineCount = 0;
   if (view.showsFPS) {
     const long rounded = std::isfinite(framesPerSecond) ? std::lround(std::max(0.0, framesPerSecond)) : 0;
     setTextIfChanged(counters.fps, std::to_string(rounded) + " fps");
-    result.lines[result.lineCount++] = &counters.fps;
+    lines[lineCount++] = &counters.fps;
   }
   if (view.showsNodeCount) {
     const std::size_t count = view.scene() != nullptr ? view.scene()->nodeCount() : 0;
     setTextIfChanged(counters.nodes, std::to_string(count) + " nodes");
-    result.lines[result.lineCount++] = &counters.nodes;
+    lines[lineCount++] = &counters.nodes;
   }
 
-  const std::span<LabelNode*> lines(result.lines.data(), result.lineCount);
   const double right = view.size().width - kCounterMargin - kCounterPadding;
   double baseline = kCounterMargin + kCounterPadding;
   std::optional<Rect> backdrop;
-  for (LabelNode* label : lines) {
+  std::array<LabelNode*, 2> shown{};
+  std::size_t shownCount = 0;
+  for (std::size_t i = 0; i < lineCount; ++i) {
+    LabelNode* label = lines[i];
     const std::optional<Rect> bounds = label->contentBounds();
     if (!bounds) continue;
-    if (label == lines.front()) baseline -= bounds->minY();  // lift the descenders off the margin
+    if (i == 0) baseline -= bounds->minY();  // lift the descenders off the margin
     label->position = {right, baseline};
     const Rect placed = Rect::make(bounds->minX() + right, bounds->minY() + baseline, bounds->width(), bounds->height());
     backdrop = backdrop ? backdrop->unionWith(placed) : placed;
     baseline += kCounterFontSize * kCounterLineSpacing;
+    shown[shownCount++] = label;
   }
-  if (!backdrop) return std::nullopt;
-  result.box = backdrop->insetBy(-kCounterPadding, -kCounterPadding);
-  return result;
-}
-
-void drawCounters(cairo_t* cr, const CounterBox& counters, const cairo_matrix_t& sceneToDevice) {
-  cairo_set_matrix(cr, &sceneToDevice);
-  cairo_rectangle(cr, counters.box.minX(), counters.box.minY(), counters.box.width(), counters.box.height());
-  setSource(cr, kCounterBackdropColor, 1);
-  cairo_fill(cr);
-  for (std::size_t i = 0; i < counters.lineCount; ++i) {
-    const LabelNode& label = *counters.lines[i];
-    cairo_matrix_t toDevice;
-    const cairo_matrix_t placement = placementOf(label);
-    cairo_matrix_multiply(&toDevice, &placement, &sceneToDevice);
-    cairo_set_matrix(cr, &toDevice);
-    drawLabelText(cr, label, 1);
+  if (!backdrop) return;
+  counters.backdrop.path = Path::rect(backdrop->insetBy(-kCounterPadding, -kCounterPadding));
+  cairo_matrix_t identity;
+  cairo_matrix_init_identity(&identity);
+  const double z = items.empty() ? 0 : items.back().z;
+  items.push_back({&counters.backdrop, DrawKind::shape, z, 1, static_cast<uint32_t>(items.size()), identity});
+  for (std::size_t i = 0; i < shownCount; ++i) {
+    items.push_back({shown[i], DrawKind::label, z, 1, static_cast<uint32_t>(items.size()), placementOf(*shown[i])});
   }
 }
 
@@ -241,119 +165,160 @@ int pixelExtent(double points) {
   return static_cast<int>(std::ceil(std::clamp(points, 1.0, 32767.0)));
 }
 
-// Everything a frame draws, worked out before any pixel is touched.
-struct FramePlan {
-  cairo_matrix_t sceneToDevice;
-  const Scene* scene = nullptr;
-  std::vector<DrawItem>* items = nullptr;
-  std::optional<CounterBox> counters;
-};
-
-FramePlan planFrame(const View& view, double pixelScale, double framesPerSecond) {
-  FramePlan plan;
-  // Scene points have y up: flip once here, every node draws in its own y-up coordinates.
-  cairo_matrix_init_scale(&plan.sceneToDevice, pixelScale, -pixelScale);
-  plan.sceneToDevice.y0 = view.size().height * pixelScale;
-  plan.scene = view.scene();
-  if (plan.scene != nullptr) plan.items = &sortedDrawables(*plan.scene);
-  if (view.showsFPS || view.showsNodeCount) plan.counters = layoutCounters(view, framesPerSecond);
-  return plan;
+// A colour as pixman takes it: premultiplied, 16 bits a channel, rounded as cairo rounds a source.
+pixman_color_t pixmanColor(const Color& c) {
+  const auto unit = [](double v) { return v > 0 ? std::min(v, 1.0) : 0.0; };
+  const auto channel = [](double v) { return static_cast<uint16_t>(v * 65535.0 + 0.5); };
+  const double a = unit(c.a);
+  return {channel(unit(c.r) * a), channel(unit(c.g) * a), channel(unit(c.b) * a), channel(a)};
 }
 
-void paintBackground(cairo_t* cr, const Scene* scene) {
-  // The window starts black; a translucent background shows that black through. An opaque one
-  // replaces it in a single pass.
+// The pixels of a cairo image as pixman sees them; nullptr for anything the renderer cannot paint into.
+pixman_image_t* pixelsOf(cairo_surface_t* surface) {
+  if (cairo_surface_get_type(surface) != CAIRO_SURFACE_TYPE_IMAGE) return nullptr;
+  const cairo_format_t format = cairo_image_surface_get_format(surface);
+  if (format != CAIRO_FORMAT_RGB24 && format != CAIRO_FORMAT_ARGB32) return nullptr;
+  cairo_surface_flush(surface);
+  return pixman_image_create_bits(format == CAIRO_FORMAT_RGB24 ? PIXMAN_x8r8g8b8 : PIXMAN_a8r8g8b8,
+                                  cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface),
+                                  reinterpret_cast<uint32_t*>(cairo_image_surface_get_data(surface)),
+                                  cairo_image_surface_get_stride(surface));
+}
+
+void fill(pixman_image_t* target, pixman_op_t op, const Color& color, const pixman_region32_t& region) {
+  int count = 0;
+  const pixman_box32_t* boxes = pixman_region32_rectangles(&region, &count);
+  const pixman_color_t source = pixmanColor(color);
+  pixman_image_fill_boxes(op, target, &source, count, boxes);
+}
+
+// The window starts black; a translucent background shows that black through. An opaque one replaces
+// it in a single pass.
+void paintBackground(pixman_image_t* target, const Scene* scene, const pixman_region32_t& region) {
   const bool opaqueBackground = scene != nullptr && scene->backgroundColor.a >= 1;
-  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-  if (opaqueBackground) {
-    setSource(cr, scene->backgroundColor, 1);
-  } else {
-    cairo_set_source_rgb(cr, 0, 0, 0);
-  }
-  cairo_paint(cr);
-  cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
-  if (scene != nullptr && !opaqueBackground) {
-    setSource(cr, scene->backgroundColor, 1);
-    cairo_paint(cr);
-  }
+  fill(target, PIXMAN_OP_SRC, opaqueBackground ? scene->backgroundColor : Color::black(), region);
+  if (scene != nullptr && !opaqueBackground) fill(target, PIXMAN_OP_OVER, scene->backgroundColor, region);
 }
 
-// Paints the planned frame; with `boxes`, only the background of the boxes in `only` and the items
-// whose box meets one of them.
-void paintFrame(cairo_t* cr, const FramePlan& plan, const std::vector<PixelRect>* boxes,
-                const std::vector<PixelRect>* only) {
-  cairo_save(cr);
-  cairo_save(cr);
-  if (only != nullptr) {
-    cairo_new_path(cr);
-    for (const PixelRect& r : *only) cairo_rectangle(cr, r.x, r.y, r.width, r.height);
-    cairo_clip(cr);  // whole pixels: the background is a flat colour, the same under any clip
-  }
-  paintBackground(cr, plan.scene);
-  cairo_restore(cr);
-  cairo_set_line_join(cr, CAIRO_LINE_JOIN_ROUND);
-  const auto wanted = [&](std::size_t i) {
-    if (boxes == nullptr) return true;
-    return std::any_of(only->begin(), only->end(), [&](const PixelRect& r) { return r.intersects((*boxes)[i]); });
-  };
-  const std::size_t itemCount = plan.items != nullptr ? plan.items->size() : 0;
-  for (std::size_t i = 0; i < itemCount; ++i) {
-    if (wanted(i)) drawItem(cr, (*plan.items)[i], plan.sceneToDevice);
-  }
-  if (plan.counters && wanted(itemCount)) drawCounters(cr, *plan.counters, plan.sceneToDevice);
-  cairo_restore(cr);
+void composite(pixman_image_t* target, pixman_image_t* mask, const Color& color, const PixelRect& box) {
+  const pixman_color_t source = pixmanColor(color);
+  pixman_image_t* solid = pixman_image_create_solid_fill(&source);
+  if (solid == nullptr) return;
+  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, target, 0, 0, 0, 0, box.x, box.y, box.width, box.height);
+  pixman_image_unref(solid);
 }
 
-DrawRecord recordOf(const DrawItem& item, const cairo_matrix_t& sceneToDevice) {
-  cairo_matrix_t toDevice;
-  cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
-  if (item.kind == DrawKind::shape) return shapeRecord(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha);
-  return labelRecord(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha);
-}
-
-DrawRecord recordOfCounters(const CounterBox& counters, const cairo_matrix_t& sceneToDevice) {
-  std::string texts;
-  for (std::size_t i = 0; i < counters.lineCount; ++i) texts += counters.lines[i]->text() + "\n";
-  return counterRecord(counters.box, texts, sceneToDevice);
-}
-
-// Copies the box's pixels from `from` into `to`, both images of the same size and format, row by row.
-void copyBox(cairo_surface_t* from, cairo_surface_t* to, const PixelRect& box) {
-  const unsigned char* source = cairo_image_surface_get_data(from);
-  unsigned char* target = cairo_image_surface_get_data(to);
-  const int sourceStride = cairo_image_surface_get_stride(from);
-  const int targetStride = cairo_image_surface_get_stride(to);
-  const std::size_t rowBytes = static_cast<std::size_t>(box.width) * 4;
-  for (int y = box.y; y < box.y + box.height; ++y) {
-    std::memcpy(target + static_cast<std::ptrdiff_t>(y) * targetStride + box.x * 4,
-                source + static_cast<std::ptrdiff_t>(y) * sourceStride + box.x * 4, rowBytes);
-  }
-  cairo_surface_mark_dirty_rectangle(to, box.x, box.y, box.width, box.height);
+bool meets(const pixman_region32_t& region, const PixelRect& box) {
+  pixman_box32_t b{box.x, box.y, box.x + box.width, box.y + box.height};
+  return !box.isEmpty() && pixman_region32_contains_rectangle(&region, &b) != PIXMAN_REGION_OUT;
 }
 
 }  // namespace
 
+Renderer::Renderer() : stamps_(kStampBudgetBytes) {}
+
+Renderer::~Renderer() = default;
+
+void Renderer::stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target) {
+  // Scene points have y up: flip once here, every node draws in its own y-up coordinates.
+  cairo_matrix_t sceneToDevice;
+  cairo_matrix_init_scale(&sceneToDevice, pixelScale, -pixelScale);
+  sceneToDevice.y0 = view.size().height * pixelScale;
+  std::vector<DrawItem>& items = tDrawList;
+  items.clear();
+  if (view.scene() != nullptr) sortDrawables(*view.scene(), items);
+  if (view.showsFPS || view.showsNodeCount) appendCounters(view, framesPerSecond, items);
+
+  const PixelRect frame{0, 0, target.width, target.height};
+  items_.clear();
+  for (const DrawItem& item : items) {
+    cairo_matrix_t toDevice;
+    cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
+    items_.push_back(item.kind == DrawKind::shape
+                         ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame)
+                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame));
+  }
+}
+
+pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
+  if (pixman_image_t* kept = stamps_.find(stamp.key)) return kept;
+  cairo_surface_t* mask = cairo_image_surface_create(CAIRO_FORMAT_A8, item.box.width, item.box.height);
+  pixman_image_t* image = nullptr;
+  if (cairo_surface_status(mask) == CAIRO_STATUS_SUCCESS) {
+    cairo_t* cr = cairo_create(mask);
+    rasterizeStamp(cr, item, stamp.layer);
+    const bool drawn = cairo_status(cr) == CAIRO_STATUS_SUCCESS;
+    cairo_destroy(cr);
+    cairo_surface_flush(mask);
+    if (drawn) image = stamps_.keep(stamp.key, mask);
+  }
+  cairo_surface_destroy(mask);
+  return image;
+}
+
+void Renderer::paint(pixman_image_t* target, const Scene* scene, const pixman_region32_t& region) {
+  pixman_image_set_clip_region32(target, const_cast<pixman_region32_t*>(&region));
+  paintBackground(target, scene, region);
+  for (const StampedItem& item : items_) {
+    if (!meets(region, item.box)) continue;
+    for (int i = 0; i < item.stampCount; ++i) {
+      if (pixman_image_t* mask = maskOf(item, item.stamps[i])) composite(target, mask, item.stamps[i].color, item.box);
+    }
+  }
+  stamps_.endFrame();
+}
+
 void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond) {
   if (!(pixelScale > 0) || !std::isfinite(pixelScale)) pixelScale = 1;
-  paintFrame(cr, planFrame(view, pixelScale, framesPerSecond), nullptr, nullptr);
+  cairo_surface_t* surface = cairo_get_target(cr);
+  pixman_image_t* target = pixelsOf(surface);
+  if (target == nullptr) {
+    // Not an image in a format painted here: paint one and lay it over the target.
+    const PixelSize size{pixelExtent(view.size().width * pixelScale), pixelExtent(view.size().height * pixelScale)};
+    cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height);
+    if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
+      cairo_t* imageCr = cairo_create(image);
+      draw(imageCr, view, pixelScale, framesPerSecond);
+      cairo_destroy(imageCr);
+      cairo_save(cr);
+      cairo_identity_matrix(cr);
+      cairo_set_source_surface(cr, image, 0, 0);
+      cairo_paint(cr);
+      cairo_restore(cr);
+    }
+    cairo_surface_destroy(image);
+    return;
+  }
+  const PixelSize size{pixman_image_get_width(target), pixman_image_get_height(target)};
+  stampItems(view, pixelScale, framesPerSecond, size);
+  pixman_region32_t whole;
+  pixman_region32_init_rect(&whole, 0, 0, static_cast<unsigned>(size.width), static_cast<unsigned>(size.height));
+  paint(target, view.scene(), whole);
+  pixman_region32_fini(&whole);
+  pixman_image_unref(target);
+  cairo_surface_mark_dirty(surface);
 }
 
 const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize target, const View& view, double pixelScale,
                                                     double framesPerSecond, bool targetKept) {
   if (!(pixelScale > 0) || !std::isfinite(pixelScale)) pixelScale = 1;
-  const FramePlan plan = planFrame(view, pixelScale, framesPerSecond);
-  records_.clear();
-  boxes_.clear();
-  const std::size_t itemCount = plan.items != nullptr ? plan.items->size() : 0;
-  for (std::size_t i = 0; i < itemCount; ++i) {
-    const DrawItem& item = (*plan.items)[i];
-    records_.push_back(recordOf(item, plan.sceneToDevice));
-  }
-  if (plan.counters) records_.push_back(recordOfCounters(*plan.counters, plan.sceneToDevice));
-  for (const DrawRecord& record : records_) boxes_.push_back(record.box);
-
   const PixelRect frame{0, 0, target.width, target.height};
-  const uint64_t backdrop = backdropLook(plan.scene, target, pixelScale, view.size());
+  cairo_surface_t* surface = cairo_get_target(cr);
+  pixman_image_t* pixels = pixelsOf(surface);
+  if (pixels == nullptr || pixman_image_get_width(pixels) != target.width ||
+      pixman_image_get_height(pixels) != target.height) {
+    // Not pixels this renderer can keep: every frame is drawn whole.
+    if (pixels != nullptr) pixman_image_unref(pixels);
+    draw(cr, view, pixelScale, framesPerSecond);
+    hasPrevious_ = false;
+    damage_.assign(1, frame);
+    return damage_;
+  }
+  stampItems(view, pixelScale, framesPerSecond, target);
+  records_.clear();
+  for (const StampedItem& item : items_) records_.push_back(item.record);
+
+  const uint64_t backdrop = backdropLook(view.scene(), target, pixelScale, view.size());
   const bool wholeFrame = !targetKept || !tracksDamage_ || !hasPrevious_ || backdrop != previousBackdrop_;
   if (wholeFrame) {
     damage_.assign(1, frame);
@@ -364,52 +329,20 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   previousBackdrop_ = backdrop;
   hasPrevious_ = true;
 
-  if (damage_.empty()) return damage_;
-  if (wholeFrame) {
-    paintFrame(cr, plan, nullptr, nullptr);
-    return damage_;
+  if (!damage_.empty()) {
+    // Every stamp paints each pixel from its mask and what lies below alone, so drawing only inside
+    // the damaged boxes, straight over the previous frame, gives exactly a full redraw's pixels.
+    std::vector<pixman_box32_t> boxes;
+    boxes.reserve(damage_.size());
+    for (const PixelRect& r : damage_) boxes.push_back({r.x, r.y, r.x + r.width, r.y + r.height});
+    pixman_region32_t region;
+    pixman_region32_init_rects(&region, boxes.data(), static_cast<int>(boxes.size()));
+    paint(pixels, view.scene(), region);
+    pixman_region32_fini(&region);
+    cairo_surface_mark_dirty(surface);
   }
-  // The changed items are drawn whole into a scratch frame over the boxes' background, and only the
-  // boxes are copied over. Clipping them instead would take other paths through cairo and pixman,
-  // whose rounding differs from a full redraw's by a shade here and there.
-  if (!fitScratch(target)) {
-    paintFrame(cr, plan, nullptr, nullptr);
-    damage_.assign(1, frame);
-    return damage_;
-  }
-  cairo_t* scratch = cairo_create(scratch_);
-  paintFrame(scratch, plan, &boxes_, &damage_);
-  cairo_destroy(scratch);
-  cairo_surface_flush(scratch_);
-  cairo_surface_t* frameSurface = cairo_get_target(cr);
-  if (cairo_surface_get_type(frameSurface) != CAIRO_SURFACE_TYPE_IMAGE ||
-      cairo_image_surface_get_format(frameSurface) != CAIRO_FORMAT_RGB24 ||
-      cairo_image_surface_get_width(frameSurface) != target.width ||
-      cairo_image_surface_get_height(frameSurface) != target.height) {
-    paintFrame(cr, plan, nullptr, nullptr);  // not pixels this renderer can copy into
-    damage_.assign(1, frame);
-    return damage_;
-  }
-  cairo_surface_flush(frameSurface);
-  for (const PixelRect& box : damage_) copyBox(scratch_, frameSurface, box);
+  pixman_image_unref(pixels);
   return damage_;
-}
-
-Renderer::~Renderer() {
-  if (scratch_ != nullptr) cairo_surface_destroy(scratch_);
-}
-
-bool Renderer::fitScratch(PixelSize size) {
-  if (scratch_ != nullptr && cairo_image_surface_get_width(scratch_) == size.width &&
-      cairo_image_surface_get_height(scratch_) == size.height) {
-    return true;
-  }
-  if (scratch_ != nullptr) cairo_surface_destroy(scratch_);
-  scratch_ = cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height);
-  if (cairo_surface_status(scratch_) == CAIRO_STATUS_SUCCESS) return true;
-  cairo_surface_destroy(scratch_);
-  scratch_ = nullptr;
-  return false;
 }
 
 PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {

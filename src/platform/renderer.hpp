@@ -3,15 +3,17 @@
 // multiplied down the tree, hidden subtrees skipped, y up, and the view's frame-rate and node-count
 // counters in a corner while their flags are on.
 //
-// In a window most pixels stay the same from one frame to the next, so drawChanges redraws only the
-// boxes where the frame can differ from the previous one, over that previous frame, with exactly the
-// pixels a full redraw would give.
+// Every item is drawn as coverage masks kept from frame to frame (see item_stamps.hpp). In a window
+// most pixels stay the same from one frame to the next, so drawChanges redraws only the boxes where
+// the frame can differ from the previous one, over that previous frame, with exactly the pixels a
+// full redraw would give.
 #include <filesystem>
 #include <vector>
 
 #include "engine/view.hpp"
 #include "platform/damage_region.hpp"
-#include "platform/draw_records.hpp"
+#include "platform/item_stamps.hpp"
+#include "platform/stamp_cache.hpp"
 
 typedef struct _cairo cairo_t;
 typedef struct _cairo_surface cairo_surface_t;
@@ -26,16 +28,17 @@ struct PngWrite {
 
 class Renderer {
  public:
-  Renderer() = default;
+  Renderer();
   ~Renderer();
   Renderer(const Renderer&) = delete;
   Renderer& operator=(const Renderer&) = delete;
 
-  // Draws the view's scene into `cr`, whose device covers the view at `pixelScale` pixels per point.
+  // Draws the view's scene into `cr`'s target, whose pixels cover the view at `pixelScale` pixels per
+  // point, whatever `cr`'s own matrix and clip.
   // `framesPerSecond` is what the frame-rate counter shows.
   void draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond);
 
-  // Like draw, into a target of `target` pixels that still holds the frame drawn by the previous call
+  // Like draw, into an image of `target` pixels that still holds the frame drawn by the previous call
   // when `targetKept` (false for a new or lost surface). Returns the boxes it redrew, in pixels: the
   // whole frame, some parts of it, or none when nothing changed.
   const std::vector<PixelRect>& drawChanges(cairo_t* cr, PixelSize target, const View& view, double pixelScale,
@@ -45,20 +48,31 @@ class Renderer {
   void setTracksDamage(bool on) { tracksDamage_ = on; }
   bool tracksDamage() const { return tracksDamage_; }
 
+  // The masks kept between frames, for measurements.
+  const StampCache& stamps() const { return stamps_; }
+
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
   PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
 
  private:
-  // Makes the scratch frame the target's size; false when it cannot be made.
-  bool fitScratch(PixelSize size);
+  // Masks beyond this many bytes are let go, least recently used first: enough for every item of a
+  // running game at the places within a pixel where it keeps coming back.
+  static constexpr std::size_t kStampBudgetBytes = std::size_t{2} << 20;
 
-  cairo_surface_t* scratch_ = nullptr;  // the changed parts are drawn here first
+  // Fills items_ with the frame's stamped items, the counters last.
+  void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
+  // The mask of one of an item's stamps, found or drawn now; nullptr when memory runs out.
+  pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
+  // Paints the background and every item into `target`, inside `region` only.
+  void paint(pixman_image_t* target, const Scene* scene, const pixman_region32_t& region);
+
+  StampCache stamps_;
   bool tracksDamage_ = true;
   bool hasPrevious_ = false;
   uint64_t previousBackdrop_ = 0;
+  std::vector<StampedItem> items_;
   std::vector<DrawRecord> previous_;
   std::vector<DrawRecord> records_;
-  std::vector<PixelRect> boxes_;
   std::vector<PixelRect> damage_;
 };
 

@@ -1,0 +1,52 @@
+#pragma once
+// Coverage masks kept from frame to frame, by key. Most items of a frame look as they did a frame ago,
+// or as they once did at the same place within a pixel, so most masks are found rather than drawn.
+#include <pixman.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <unordered_map>
+
+typedef struct _cairo_surface cairo_surface_t;
+
+namespace zb {
+
+class StampCache {
+ public:
+  explicit StampCache(std::size_t budgetBytes);
+  ~StampCache();
+  StampCache(const StampCache&) = delete;
+  StampCache& operator=(const StampCache&) = delete;
+
+  // The mask named `key`, or nullptr when it is not kept.
+  pixman_image_t* find(uint64_t key);
+  // Keeps `mask`, an A8 image surface, under `key` and returns it as pixman sees it (nullptr when
+  // that fails). The cache takes its own reference.
+  pixman_image_t* keep(uint64_t key, cairo_surface_t* mask);
+  // Ends a frame: while the masks take more than the budget, those unused longest go, but never one
+  // this frame used.
+  void endFrame();
+  void clear();
+
+  std::size_t bytes() const { return bytes_; }
+  uint64_t hits() const { return hits_; }
+  uint64_t misses() const { return misses_; }
+
+ private:
+  struct Entry {
+    cairo_surface_t* surface;
+    pixman_image_t* image;
+    std::size_t bytes;
+    uint64_t lastUsed;
+  };
+  void drop(std::unordered_map<uint64_t, Entry>::iterator it);
+
+  std::unordered_map<uint64_t, Entry> entries_;
+  std::size_t budget_;
+  std::size_t bytes_ = 0;
+  uint64_t frame_ = 1;
+  uint64_t hits_ = 0;
+  uint64_t misses_ = 0;
+};
+
+}  // namespace zb
