@@ -4,8 +4,12 @@
 #include <pango/pangocairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <mutex>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 #include "engine/label_node.hpp"
 
@@ -70,33 +74,117 @@ PangoAlignment pangoAlignment(HorizontalAlignment alignment) {
 
 }  // namespace
 
-// A label's text laid out by pango, with its extent in pango's own frame: x to the right and y down
-// from the top of the layout.
-struct LabelLayout : LaidOutText {
+// Digits are set in the cells of a "0": a counting score keeps its width, and texts that differ only
+// in their digits share one layout, laid out once, with the digits' glyphs swapped in when drawn.
+std::string digitsAsZeros(std::string_view text) {
+  std::string cells(text);
+  for (char& c : cells) {
+    if (c >= '0' && c <= '9') c = '0';
+  }
+  return cells;
+}
+
+// One pango layout of a text, shared by every label showing that text or one differing from it only
+// in its digits, with its extent in pango's own frame: x to the right and y down from the top.
+struct SharedLayout {
   PangoLayout* layout = nullptr;
-  unsigned long revision = 0;
-  HorizontalAlignment alignment = HorizontalAlignment::center;
-  bool empty = true;
+  std::string text;
   Rect logical;            // the text's logical extent
   double boxLeft = 0;      // the span the alignment refers to
   double boxWidth = 0;
   double baseline = 0;     // of the first line, below the top
+  // Each run of glyphs with the start of its baseline, in pango units, found once: walking a layout
+  // costs more than drawing it.
+  struct Run {
+    const PangoGlyphItem* glyphs;
+    int x, baseline;
+  };
+  std::vector<Run> runs;
+  // The glyphs of "0" to "9" in each run's font, in run order; empty when some "0" is not a glyph of
+  // its own (a ligature, say), and then the layout serves its own text only.
+  std::vector<std::array<PangoGlyph, 10>> digitGlyphs;
 
-  LabelLayout() = default;
-  LabelLayout(const LabelLayout&) = delete;
-  LabelLayout& operator=(const LabelLayout&) = delete;
-  ~LabelLayout() override {
+  SharedLayout() = default;
+  SharedLayout(const SharedLayout&) = delete;
+  SharedLayout& operator=(const SharedLayout&) = delete;
+  ~SharedLayout() {
     if (layout) g_object_unref(layout);
   }
+  bool swapsDigits() const { return !digitGlyphs.empty(); }
+};
+
+// A label's text as laid out: its shared layout and the digits to show in it.
+struct LabelLayout : LaidOutText {
+  std::shared_ptr<const SharedLayout> shared;
+  std::string text;
+  unsigned long revision = 0;
+  HorizontalAlignment alignment = HorizontalAlignment::center;
+  bool empty = true;
 
   // Where the layout's top-left corner goes, in the label's coordinates (y up).
   Point origin() const {
-    double x = -boxLeft;
-    if (alignment == HorizontalAlignment::center) x -= boxWidth / 2;
-    if (alignment == HorizontalAlignment::right) x -= boxWidth;
-    return {x, baseline};
+    double x = -shared->boxLeft;
+    if (alignment == HorizontalAlignment::center) x -= shared->boxWidth / 2;
+    if (alignment == HorizontalAlignment::right) x -= shared->boxWidth;
+    return {x, shared->baseline};
   }
 };
+
+namespace {
+
+// Layouts kept for reuse: a handful of labels, each with a few texts that come back.
+constexpr std::size_t kKeptLayouts = 64;
+
+// True when every "0" of the run is one glyph standing for that one character alone.
+bool zerosAreSingleGlyphs(const std::string& text, const PangoGlyphItem& run) {
+  const PangoItem& item = *run.item;
+  const PangoGlyphString& glyphs = *run.glyphs;
+  std::vector<int> starts;
+  for (int i = 0; i < glyphs.num_glyphs; ++i) starts.push_back(item.offset + glyphs.log_clusters[i]);
+  std::vector<int> sorted = starts;
+  std::sort(sorted.begin(), sorted.end());
+  for (int start : starts) {
+    if (text[static_cast<std::size_t>(start)] != '0') continue;
+    if (std::count(sorted.begin(), sorted.end(), start) != 1) return false;
+    const auto next = std::upper_bound(sorted.begin(), sorted.end(), start);
+    const int end = next != sorted.end() ? *next : item.offset + item.length;
+    if (end != start + 1) return false;
+  }
+  return true;
+}
+
+// The glyphs of the ten digits in the run's font and script, if each is a glyph of its own.
+std::optional<std::array<PangoGlyph, 10>> digitGlyphsOf(const PangoGlyphItem& run) {
+  constexpr char kDigits[] = "0123456789";
+  PangoGlyphString* glyphs = pango_glyph_string_new();
+  pango_shape(kDigits, 10, &run.item->analysis, glyphs);
+  std::optional<std::array<PangoGlyph, 10>> result;
+  if (glyphs->num_glyphs == 10) {
+    result.emplace();
+    for (int i = 0; i < 10 && result; ++i) {
+      if (glyphs->log_clusters[i] != i) result.reset();
+      else (*result)[static_cast<std::size_t>(i)] = glyphs->glyphs[i].glyph;
+    }
+  }
+  pango_glyph_string_free(glyphs);
+  return result;
+}
+
+std::vector<SharedLayout::Run> runsOf(PangoLayout* layout) {
+  std::vector<SharedLayout::Run> runs;
+  PangoLayoutIter* iter = pango_layout_get_iter(layout);
+  do {
+    const PangoLayoutRun* run = pango_layout_iter_get_run_readonly(iter);
+    if (run == nullptr) continue;  // the end of a line
+    PangoRectangle logical;
+    pango_layout_iter_get_run_extents(iter, nullptr, &logical);
+    runs.push_back({run, logical.x, pango_layout_iter_get_baseline(iter)});
+  } while (pango_layout_iter_next_run(iter));
+  pango_layout_iter_free(iter);
+  return runs;
+}
+
+}  // namespace
 
 class LabelLayoutCache {
  public:
@@ -104,7 +192,13 @@ class LabelLayoutCache {
     std::shared_ptr<LaidOutText>& slot = label.laidOutText();
     const auto* cached = dynamic_cast<const LabelLayout*>(slot.get());
     if (!cached || cached->revision != label.layoutRevision() || cached->alignment != label.horizontalAlignment) {
-      auto fresh = build(label);
+      auto fresh = std::make_shared<LabelLayout>();
+      fresh->revision = label.layoutRevision();
+      fresh->alignment = label.horizontalAlignment;
+      fresh->text = label.text();
+      const double size = label.fontSize();
+      fresh->empty = label.text().empty() || !std::isfinite(size) || size <= 0;
+      if (!fresh->empty) fresh->shared = sharedLayout(label);
       cached = fresh.get();
       slot = std::move(fresh);
     }
@@ -112,19 +206,45 @@ class LabelLayoutCache {
   }
 
  private:
-  static std::shared_ptr<LabelLayout> build(const LabelNode& label) {
-    auto result = std::make_shared<LabelLayout>();
-    result->revision = label.layoutRevision();
-    result->alignment = label.horizontalAlignment;
-    const double size = label.fontSize();
-    result->empty = label.text().empty() || !std::isfinite(size) || size <= 0;
-    if (result->empty) return result;
+  // The layout of the label's text with its digits as zeros, when it can show the real digits;
+  // otherwise one of the text itself.
+  static std::shared_ptr<const SharedLayout> sharedLayout(const LabelNode& label) {
+    const std::string cells = digitsAsZeros(label.text());
+    std::shared_ptr<const SharedLayout> layout = kept(label, cells);
+    if (cells == label.text() || layout->swapsDigits()) return layout;
+    return kept(label, label.text());
+  }
 
+  static std::shared_ptr<const SharedLayout> kept(const LabelNode& label, const std::string& text) {
+    struct Kept {
+      std::string key;
+      std::shared_ptr<const SharedLayout> layout;
+    };
+    thread_local std::vector<Kept> layouts;  // most recently used last
+    std::string key = text;
+    key.push_back('\0');
+    key += label.fontName();
+    for (double number : {label.fontSize(), label.preferredMaxLayoutWidth()}) {
+      key.append(reinterpret_cast<const char*>(&number), sizeof number);
+    }
+    key += std::to_string(label.numberOfLines()) + "/" + std::to_string(static_cast<int>(label.horizontalAlignment));
+    const auto found = std::find_if(layouts.begin(), layouts.end(), [&](const Kept& k) { return k.key == key; });
+    if (found != layouts.end()) {
+      std::rotate(found, found + 1, layouts.end());
+      return layouts.back().layout;
+    }
+    if (layouts.size() >= kKeptLayouts) layouts.erase(layouts.begin());
+    layouts.push_back({std::move(key), build(label, text)});
+    return layouts.back().layout;
+  }
+
+  static std::shared_ptr<const SharedLayout> build(const LabelNode& label, const std::string& text) {
+    auto result = std::make_shared<SharedLayout>();
     PangoLayout* layout = pango_layout_new(sharedContext());
     result->layout = layout;
     PangoFontDescription* font = pango_font_description_new();
     pango_font_description_set_family(font, label.fontName().c_str());
-    pango_font_description_set_absolute_size(font, std::min(size, kMaxFontSize) * PANGO_SCALE);
+    pango_font_description_set_absolute_size(font, std::min(label.fontSize(), kMaxFontSize) * PANGO_SCALE);
     pango_layout_set_font_description(layout, font);
     pango_font_description_free(font);
     pango_layout_set_alignment(layout, pangoAlignment(label.horizontalAlignment));
@@ -135,8 +255,9 @@ class LabelLayoutCache {
       pango_layout_set_width(layout, static_cast<int>(wrapWidth * PANGO_SCALE));
       pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     }
-    pango_layout_set_text(layout, label.text().data(), static_cast<int>(label.text().size()));
+    pango_layout_set_text(layout, text.data(), static_cast<int>(text.size()));
     limitLines(layout, label.numberOfLines());
+    result->text = pango_layout_get_text(layout);
 
     PangoRectangle logical;
     pango_layout_get_extents(layout, nullptr, &logical);
@@ -150,7 +271,20 @@ class LabelLayoutCache {
     result->boxLeft = wraps ? 0 : result->logical.minX();
     result->boxWidth = wraps ? wrapWidth : result->logical.width();
     result->baseline = points(pango_layout_get_baseline(layout));
+    result->runs = runsOf(layout);
+    findDigitGlyphs(*result);
     return result;
+  }
+
+  static void findDigitGlyphs(SharedLayout& shared) {
+    if (shared.text.find('0') == std::string::npos) return;
+    bool swaps = true;
+    for (const SharedLayout::Run& run : shared.runs) {
+      const std::optional<std::array<PangoGlyph, 10>> digits = digitGlyphsOf(*run.glyphs);
+      swaps = swaps && digits && zerosAreSingleGlyphs(shared.text, *run.glyphs);
+      shared.digitGlyphs.push_back(digits.value_or(std::array<PangoGlyph, 10>{}));
+    }
+    if (!swaps) shared.digitGlyphs.clear();
   }
 
   // Lines past the limit are dropped, not ellipsized.
@@ -170,8 +304,9 @@ class PangoMeasurer final : public TextMeasurer {
     const LabelLayout& l = LabelLayoutCache::of(label);
     if (l.empty) return std::nullopt;
     Point origin = l.origin();
+    const Rect& logical = l.shared->logical;
     // Pango's y runs down from the layout's top, which sits at the baseline's height above the position.
-    return Rect::make(origin.x + l.logical.minX(), origin.y - l.logical.maxY(), l.logical.width(), l.logical.height());
+    return Rect::make(origin.x + logical.minX(), origin.y - logical.maxY(), logical.width(), logical.height());
   }
 };
 
@@ -187,13 +322,27 @@ void installPangoText() {
 void showLabelText(cairo_t* cr, const LabelNode& label) {
   const LabelLayout& l = LabelLayoutCache::of(label);
   if (l.empty || !cr) return;
-  Point origin = l.origin();
+  const SharedLayout& shared = *l.shared;
+  const Point origin = l.origin();
   cairo_save(cr);
   cairo_translate(cr, origin.x, origin.y);
   cairo_scale(cr, 1, -1);
-  cairo_new_path(cr);
-  cairo_move_to(cr, 0, 0);
-  pango_cairo_show_layout(cr, l.layout);
+  for (std::size_t r = 0; r < shared.runs.size(); ++r) {
+    const PangoGlyphItem& run = *shared.runs[r].glyphs;
+    PangoGlyphString* glyphs = pango_glyph_string_copy(run.glyphs);
+    if (shared.swapsDigits()) {
+      // The text may be longer than the layout's when lines were dropped; those digits are not shown.
+      const std::array<PangoGlyph, 10>& digits = shared.digitGlyphs[r];
+      for (int i = 0; i < glyphs->num_glyphs; ++i) {
+        const std::size_t at = static_cast<std::size_t>(run.item->offset + glyphs->log_clusters[i]);
+        const char c = at < l.text.size() ? l.text[at] : '0';
+        if (shared.text[at] == '0' && c >= '0' && c <= '9') glyphs->glyphs[i].glyph = digits[static_cast<std::size_t>(c - '0')];
+      }
+    }
+    cairo_move_to(cr, points(shared.runs[r].x), points(shared.runs[r].baseline));
+    pango_cairo_show_glyph_string(cr, run.item->analysis.font, glyphs);
+    pango_glyph_string_free(glyphs);
+  }
   cairo_new_path(cr);
   cairo_restore(cr);
 }

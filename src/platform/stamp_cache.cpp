@@ -38,14 +38,17 @@ pixman_image_t* StampCache::keep(uint64_t key, cairo_surface_t* mask) {
 }
 
 void StampCache::endFrame() {
+  // Going down to three quarters of the budget at once leaves room for many frames' new masks
+  // before the next sort.
   if (bytes_ > budget_) {
+    const std::size_t target = budget_ / 4 * 3;
     std::vector<std::pair<uint64_t, uint64_t>> unused;  // last use, key
     for (const auto& [key, entry] : entries_) {
       if (entry.lastUsed < frame_) unused.emplace_back(entry.lastUsed, key);
     }
     std::sort(unused.begin(), unused.end());
     for (const auto& [lastUsed, key] : unused) {
-      if (bytes_ <= budget_) break;
+      if (bytes_ <= target) break;
       drop(entries_.find(key));
     }
   }

@@ -23,8 +23,8 @@ class StampCache {
   // Keeps `mask`, an A8 image surface, under `key` and returns it as pixman sees it (nullptr when
   // that fails). The cache takes its own reference.
   pixman_image_t* keep(uint64_t key, cairo_surface_t* mask);
-  // Ends a frame: while the masks take more than the budget, those unused longest go, but never one
-  // this frame used.
+  // Ends a frame: once the masks take more than the budget, those unused longest go until they take
+  // three quarters of it, but never one this frame used.
   void endFrame();
   void clear();
 
