@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -185,32 +186,45 @@ pixman_image_t* pixelsOf(cairo_surface_t* surface) {
                                   cairo_image_surface_get_stride(surface));
 }
 
-void fill(pixman_image_t* target, pixman_op_t op, const Color& color, const pixman_region32_t& region) {
-  int count = 0;
-  const pixman_box32_t* boxes = pixman_region32_rectangles(&region, &count);
+void fill(pixman_image_t* target, pixman_op_t op, const Color& color) {
   const pixman_color_t source = pixmanColor(color);
-  pixman_image_fill_boxes(op, target, &source, count, boxes);
+  const pixman_box32_t all{0, 0, pixman_image_get_width(target), pixman_image_get_height(target)};
+  pixman_image_fill_boxes(op, target, &source, 1, &all);
 }
 
 // The window starts black; a translucent background shows that black through. An opaque one replaces
 // it in a single pass.
-void paintBackground(pixman_image_t* target, const Scene* scene, const pixman_region32_t& region) {
+void paintBackground(pixman_image_t* target, const Scene* scene) {
   const bool opaqueBackground = scene != nullptr && scene->backgroundColor.a >= 1;
-  fill(target, PIXMAN_OP_SRC, opaqueBackground ? scene->backgroundColor : Color::black(), region);
-  if (scene != nullptr && !opaqueBackground) fill(target, PIXMAN_OP_OVER, scene->backgroundColor, region);
+  fill(target, PIXMAN_OP_SRC, opaqueBackground ? scene->backgroundColor : Color::black());
+  if (scene != nullptr && !opaqueBackground) fill(target, PIXMAN_OP_OVER, scene->backgroundColor);
 }
 
-void composite(pixman_image_t* target, pixman_image_t* mask, const Color& color, const PixelRect& box) {
+// Composites the part of a mask that lands at `box` on the frame and inside `tile` into `tilePixels`,
+// which hold the tile's pixels.
+void composite(pixman_image_t* tilePixels, const PixelRect& tile, pixman_image_t* mask, const Color& color,
+               const PixelRect& box) {
+  const PixelRect part = box.intersection(tile);
+  if (part.isEmpty()) return;
   const pixman_color_t source = pixmanColor(color);
   pixman_image_t* solid = pixman_image_create_solid_fill(&source);
   if (solid == nullptr) return;
-  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, target, 0, 0, 0, 0, box.x, box.y, box.width, box.height);
+  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, tilePixels, 0, 0, part.x - box.x, part.y - box.y,
+                           part.x - tile.x, part.y - tile.y, part.width, part.height);
   pixman_image_unref(solid);
 }
 
-bool meets(const pixman_region32_t& region, const PixelRect& box) {
-  pixman_box32_t b{box.x, box.y, box.x + box.width, box.y + box.height};
-  return !box.isEmpty() && pixman_region32_contains_rectangle(&region, &b) != PIXMAN_REGION_OUT;
+// Copies a tile's pixels into the frame's.
+void copyTile(pixman_image_t* tilePixels, const PixelRect& tile, pixman_image_t* frame) {
+  const auto* from = reinterpret_cast<const unsigned char*>(pixman_image_get_data(tilePixels));
+  auto* to = reinterpret_cast<unsigned char*>(pixman_image_get_data(frame));
+  const int fromStride = pixman_image_get_stride(tilePixels);
+  const int toStride = pixman_image_get_stride(frame);
+  const std::size_t rowBytes = static_cast<std::size_t>(tile.width) * 4;
+  for (int row = 0; row < tile.height; ++row) {
+    std::memcpy(to + static_cast<std::ptrdiff_t>(tile.y + row) * toStride + static_cast<std::ptrdiff_t>(tile.x) * 4,
+                from + static_cast<std::ptrdiff_t>(row) * fromStride, rowBytes);
+  }
 }
 
 }  // namespace
@@ -256,16 +270,35 @@ pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
   return image;
 }
 
-void Renderer::paint(pixman_image_t* target, const Scene* scene, const pixman_region32_t& region) {
-  pixman_image_set_clip_region32(target, const_cast<pixman_region32_t*>(&region));
-  paintBackground(target, scene, region);
-  for (const StampedItem& item : items_) {
-    if (!meets(region, item.box)) continue;
-    for (int i = 0; i < item.stampCount; ++i) {
-      if (pixman_image_t* mask = maskOf(item, item.stamps[i])) composite(target, mask, item.stamps[i].color, item.box);
+void Renderer::paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes) {
+  const PixelRect frame{0, 0, pixman_image_get_width(target), pixman_image_get_height(target)};
+  for (const PixelRect& unclipped : boxes) {
+    const PixelRect box = unclipped.intersection(frame);
+    for (int y = box.y; y < box.y + box.height; y += kTileHeight) {
+      for (int x = box.x; x < box.x + box.width; x += kTileWidth) {
+        const PixelRect tile{x, y, std::min(kTileWidth, box.x + box.width - x), std::min(kTileHeight, box.y + box.height - y)};
+        paintTile(target, scene, tile);
+      }
     }
   }
   stamps_.endFrame();
+}
+
+void Renderer::paintTile(pixman_image_t* target, const Scene* scene, const PixelRect& tile) {
+  // Every pixel of the tile is painted anew, background first, so boxes that overlap paint their
+  // common pixels twice alike.
+  pixman_image_t* pixels = pixman_image_create_bits(pixman_image_get_format(target), tile.width, tile.height,
+                                                    tilePixels_.data(), tile.width * 4);
+  if (pixels == nullptr) return;
+  paintBackground(pixels, scene);
+  for (const StampedItem& item : items_) {
+    if (!item.box.intersects(tile)) continue;
+    for (int i = 0; i < item.stampCount; ++i) {
+      if (pixman_image_t* mask = maskOf(item, item.stamps[i])) composite(pixels, tile, mask, item.stamps[i].color, item.box);
+    }
+  }
+  copyTile(pixels, tile, target);
+  pixman_image_unref(pixels);
 }
 
 void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond) {
@@ -291,10 +324,7 @@ void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double fra
   }
   const PixelSize size{pixman_image_get_width(target), pixman_image_get_height(target)};
   stampItems(view, pixelScale, framesPerSecond, size);
-  pixman_region32_t whole;
-  pixman_region32_init_rect(&whole, 0, 0, static_cast<unsigned>(size.width), static_cast<unsigned>(size.height));
-  paint(target, view.scene(), whole);
-  pixman_region32_fini(&whole);
+  paint(target, view.scene(), {PixelRect{0, 0, size.width, size.height}});
   pixman_image_unref(target);
   cairo_surface_mark_dirty(surface);
 }
@@ -332,13 +362,7 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   if (!damage_.empty()) {
     // Every stamp paints each pixel from its mask and what lies below alone, so drawing only inside
     // the damaged boxes, straight over the previous frame, gives exactly a full redraw's pixels.
-    std::vector<pixman_box32_t> boxes;
-    boxes.reserve(damage_.size());
-    for (const PixelRect& r : damage_) boxes.push_back({r.x, r.y, r.x + r.width, r.y + r.height});
-    pixman_region32_t region;
-    pixman_region32_init_rects(&region, boxes.data(), static_cast<int>(boxes.size()));
-    paint(pixels, view.scene(), region);
-    pixman_region32_fini(&region);
+    paint(pixels, view.scene(), damage_);
     cairo_surface_mark_dirty(surface);
   }
   pixman_image_unref(pixels);
