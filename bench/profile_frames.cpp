@@ -66,7 +66,7 @@ void playFrames(zb::bench::SceneInPlay& game, long frames, int width, int height
     cairo_destroy(cr);
   }
   cairo_surface_destroy(image);
-  const zb::StampCache& stamps = renderer.stamps();
+  const zb::StampCache& stamps = renderer.masks();
   const double lookups = static_cast<double>(stamps.hits() + stamps.misses());
   std::printf("masks found %.1f %% of %.0f lookups; %.0f drawn a frame; %.2f MB kept; %.1f %% of the pixels redrawn a frame\n",
               lookups > 0 ? 100.0 * static_cast<double>(stamps.hits()) / lookups : 0.0, lookups,

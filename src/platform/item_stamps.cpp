@@ -16,17 +16,16 @@ namespace {
 
 // Antialiasing reaches into the pixel next to an edge; a second pixel absorbs rounding in the boxes.
 constexpr double kAntialiasPixels = 2;
-// Glyphs may reach beyond the text's logical extent (accents, italics, wide strokes): this much of
-// the font size is added on every side.
-constexpr double kGlyphOverhang = 0.5;
 // Pixel coordinates are kept well inside int; anything farther out is off the frame anyway.
 constexpr double kFarPixels = 1 << 24;
 // Positions within a pixel are snapped to this many steps, so that an item moving by fractions of a
 // pixel finds its masks again. A quarter of a pixel is finer than the eye follows.
 constexpr double kSubpixelSteps = 4;
+// Cairo puts glyphs on whole pixels on images anyway; snapping them there first keeps one mask a glyph.
+constexpr double kGlyphSubpixelSteps = 1;
 
 // Tags that keep the kinds of key apart.
-enum class KeyKind : uint64_t { fill = 1, stroke, text, shapeRecord, labelRecord, slide };
+enum class KeyKind : uint64_t { fill = 1, stroke, glyph, shapeRecord, labelRecord, slide };
 
 AffineTransform affineOf(const cairo_matrix_t& m) { return {m.xx, m.yx, m.xy, m.yy, m.x0, m.y0}; }
 
@@ -53,10 +52,10 @@ struct Snapped {
   double fraction = 0;
 };
 
-Snapped snapToSubpixel(double v) {
+Snapped snapToSubpixel(double v, double steps) {
   if (!(std::abs(v) < kFarPixels)) return {0, v};
   double whole = std::floor(v);
-  double fraction = std::round((v - whole) * kSubpixelSteps) / kSubpixelSteps;
+  double fraction = std::round((v - whole) * steps) / steps;
   if (fraction >= 1) {
     whole += 1;
     fraction = 0;
@@ -72,9 +71,10 @@ struct Placement {
   uint64_t key;
 };
 
-Placement place(const cairo_matrix_t& toDevice, const std::optional<Rect>& bounds, const PixelRect& frame) {
-  const Snapped x = snapToSubpixel(toDevice.x0);
-  const Snapped y = snapToSubpixel(toDevice.y0);
+Placement place(const cairo_matrix_t& toDevice, const std::optional<Rect>& bounds, const PixelRect& frame,
+                double steps = kSubpixelSteps) {
+  const Snapped x = snapToSubpixel(toDevice.x0, steps);
+  const Snapped y = snapToSubpixel(toDevice.y0, steps);
   cairo_matrix_t phased = toDevice;
   phased.x0 = x.fraction;
   phased.y0 = y.fraction;
@@ -105,12 +105,18 @@ uint64_t pathLook(const Path& path) {
   return hash.value();
 }
 
-// The fingerprint of what the item paints: its masks, their colours and where they land.
-uint64_t paintLook(const StampedItem& item, KeyKind kind) {
+// Completes the item's record from its stamps: the box of them all and the fingerprint of what they
+// paint (their masks, colours and places).
+void recordStamps(StampedItem& item, KeyKind kind, const std::vector<Stamp>& stamps) {
   LookHash hash;
-  hash.add(item.node).add(static_cast<uint64_t>(kind)).add(item.box);
-  for (int i = 0; i < item.stampCount; ++i) hash.add(item.stamps[i].key).add(item.stamps[i].color);
-  return hash.value();
+  hash.add(item.node).add(static_cast<uint64_t>(kind));
+  PixelRect box;
+  for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
+    hash.add(stamps[i].key).add(stamps[i].color).add(stamps[i].box);
+    box = box.unionWith(stamps[i].box);
+  }
+  item.record.look = hash.value();
+  item.record.box = box;
 }
 
 // Four sides along the axes, closed: what Path::rect and the rect-shaped factories make.
@@ -130,14 +136,14 @@ bool isUprightRectangle(const Path& path, const cairo_matrix_t& toDevice) {
 }
 
 // The same look without the place: a scrolling building differs from its last frame only near its sides.
-SlidingRect slidingOf(const ShapeNode& shape, const cairo_matrix_t& toDevice, const StampedItem& item,
+SlidingRect slidingOf(const ShapeNode& shape, const cairo_matrix_t& toDevice, const Stamp* stamps, std::size_t count,
                       uint64_t outline, double reach) {
   const std::optional<Rect> sides = shape.path.boundingBox();
   if (!sides || !isUprightRectangle(shape.path, toDevice)) return {};
   LookHash slide;
   slide.add(&shape).add(static_cast<uint64_t>(KeyKind::slide)).add(toDevice.xx).add(toDevice.yy).add(outline);
   slide.add(shape.lineWidth).add(static_cast<uint64_t>(shape.lineCap));
-  for (int i = 0; i < item.stampCount; ++i) slide.add(static_cast<uint64_t>(item.stamps[i].layer)).add(item.stamps[i].color);
+  for (std::size_t i = 0; i < count; ++i) slide.add(static_cast<uint64_t>(stamps[i].layer)).add(stamps[i].color);
   const Rect placed = affineOf(toDevice).apply(*sides);
   const double scale = std::max(std::abs(toDevice.xx), std::abs(toDevice.yy));
   // Snapping moves the sides by up to half a step, well within the antialiasing allowance.
@@ -184,9 +190,9 @@ LookHash& LookHash::add(std::string_view text) {
   return add(static_cast<uint64_t>(std::hash<std::string_view>{}(text))).add(uint64_t{text.size()});
 }
 
-StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame) {
-  StampedItem item;
-  item.node = &shape;
+StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
+                       std::vector<Stamp>& stamps) {
+  StampedItem item{&shape, stamps.size(), 0, {}};
   const Color fill = times(shape.fillColor, alpha);
   const Color stroke = times(shape.strokeColor, alpha);
   const bool fills = fill.a > 0;
@@ -197,57 +203,58 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
     std::optional<Rect> bounds = shape.path.boundingBox();
     if (bounds) bounds = bounds->insetBy(-reach, -reach);
     const Placement placement = place(toDevice, bounds, frame);
-    item.toMask = placement.toMask;
-    item.box = placement.box;
     const uint64_t outline = pathLook(shape.path);
     if (fills) {
       const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline).add(placement.key).value();
-      item.stamps[item.stampCount++] = {StampLayer::fill, key, fill};
+      stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.toMask});
     }
     if (strokes) {
       LookHash key;
       key.add(static_cast<uint64_t>(KeyKind::stroke)).add(outline).add(shape.lineWidth);
       key.add(static_cast<uint64_t>(shape.lineCap)).add(placement.key);
-      item.stamps[item.stampCount++] = {StampLayer::stroke, key.value(), stroke};
+      stamps.push_back({StampLayer::stroke, key.value(), stroke, placement.box, placement.toMask});
     }
-    item.record.sliding = slidingOf(shape, toDevice, item, outline, reach);
+    item.stampCount = stamps.size() - item.firstStamp;
+    item.record.sliding = slidingOf(shape, toDevice, &stamps[item.firstStamp], item.stampCount, outline, reach);
   }
-  item.record.look = paintLook(item, KeyKind::shapeRecord);
-  item.record.box = item.box;
+  recordStamps(item, KeyKind::shapeRecord, stamps);
   return item;
 }
 
-StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame) {
-  StampedItem item;
-  item.node = &label;
+StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
+                       std::vector<Stamp>& stamps) {
+  StampedItem item{&label, stamps.size(), 0, {}};
   const Color color = times(label.fontColor, alpha);
-  const std::optional<Rect> bounds = label.contentBounds();
-  if (bounds && color.a > 0) {
-    const double overhang = std::isfinite(label.fontSize()) ? std::abs(label.fontSize()) * kGlyphOverhang : 0;
-    const Placement placement = place(toDevice, bounds->insetBy(-overhang, -overhang), frame);
-    item.toMask = placement.toMask;
-    item.box = placement.box;
-    LookHash key;
-    key.add(static_cast<uint64_t>(KeyKind::text)).add(std::string_view(label.text()));
-    key.add(std::string_view(label.fontName())).add(label.fontSize()).add(label.numberOfLines());
-    key.add(label.preferredMaxLayoutWidth()).add(static_cast<uint64_t>(label.horizontalAlignment));
-    key.add(placement.key);
-    item.stamps[item.stampCount++] = {StampLayer::text, key.value(), color};
+  if (color.a > 0) {
+    thread_local std::vector<LabelGlyph> glyphs;
+    labelGlyphs(label, glyphs);
+    for (const LabelGlyph& g : glyphs) {
+      // Glyphs are drawn y down from their origin.
+      cairo_matrix_t upright;
+      cairo_matrix_init(&upright, 1, 0, 0, -1, g.origin.x, g.origin.y);
+      cairo_matrix_t glyphToDevice;
+      cairo_matrix_multiply(&glyphToDevice, &upright, &toDevice);
+      const Placement placement = place(glyphToDevice, g.ink, frame, kGlyphSubpixelSteps);
+      if (placement.box.isEmpty()) continue;
+      LookHash key;
+      key.add(static_cast<uint64_t>(KeyKind::glyph)).add(g.fontKey).add(uint64_t{g.glyph}).add(placement.key);
+      stamps.push_back({StampLayer::glyph, key.value(), color, placement.box, placement.toMask, g.font, g.glyph});
+    }
+    item.stampCount = stamps.size() - item.firstStamp;
   }
-  item.record.look = paintLook(item, KeyKind::labelRecord);
-  item.record.box = item.box;
+  recordStamps(item, KeyKind::labelRecord, stamps);
   return item;
 }
 
-void rasterizeStamp(cairo_t* cr, const StampedItem& item, StampLayer layer) {
-  cairo_set_matrix(cr, &item.toMask);
-  if (layer == StampLayer::text) {
-    showLabelText(cr, static_cast<const LabelNode&>(*item.node));
+void rasterizeStamp(cairo_t* cr, const StampedItem& item, const Stamp& stamp) {
+  cairo_set_matrix(cr, &stamp.toMask);
+  if (stamp.layer == StampLayer::glyph) {
+    showGlyph(cr, stamp.font, stamp.glyph);
     return;
   }
   const ShapeNode& shape = static_cast<const ShapeNode&>(*item.node);
   appendPath(cr, shape.path);
-  if (layer == StampLayer::fill) {
+  if (stamp.layer == StampLayer::fill) {
     cairo_fill(cr);
     return;
   }

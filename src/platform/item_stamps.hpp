@@ -1,19 +1,19 @@
 #pragma once
 // What each drawn item puts on the frame, and its damage record.
 //
-// Every item is drawn as up to two coverage masks ("stamps": a shape's fill and its stroke, or a
+// Every item is drawn as coverage masks ("stamps": a shape's fill and its stroke, or each glyph of a
 // label's text), each composited in its colour onto a box of whole pixels. A stamp's key holds
-// everything that decides the mask's pixels: the outline or the text, the size and turn, the position
-// within a pixel (snapped to a quarter of a pixel) and the part of the item that lies on the frame.
+// everything that decides the mask's pixels: the outline or the glyph, the size and turn, the position
+// within a pixel (snapped to a quarter of a pixel) and the part of it that lies on the frame.
 // Equal keys always mean equal masks, and compositing a mask gives each pixel a value that depends on
 // nothing but the mask and what lies below. That is what lets the renderer redraw any part of a frame,
 // clipped, with exactly the pixels of a full redraw, and keep masks from one frame to the next.
 #include <cairo.h>
 
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <string_view>
+#include <vector>
 
 #include "engine/color.hpp"
 #include "engine/geometry.hpp"
@@ -52,30 +52,36 @@ class LookHash {
   uint64_t hash_ = 14695981039346656037ULL;
 };
 
-enum class StampLayer : uint8_t { fill, stroke, text };
+enum class StampLayer : uint8_t { fill, stroke, glyph };
 
+// One mask composited in one colour at one place.
 struct Stamp {
   StampLayer layer = StampLayer::fill;
-  uint64_t key = 0;  // names the mask
-  Color color;       // what the mask is composited in, the item's opacity included
+  uint64_t key = 0;         // names the mask
+  Color color;              // what the mask is composited in, the item's opacity included
+  PixelRect box;            // where the mask lands on the frame; empty when none of it shows
+  cairo_matrix_t toMask{};  // the stamp's own coordinates to the mask's pixels
+  void* font = nullptr;     // for a glyph: its font and glyph (see LabelGlyph)
+  uint32_t glyph = 0;
 };
 
+// A drawn item: a shape's fill and stroke, or each glyph of a label's text, as stamps in drawing order.
 struct StampedItem {
   const Node* node = nullptr;
-  cairo_matrix_t toMask{};  // the node's own coordinates to its masks' pixels
-  PixelRect box;            // where the masks land on the frame; empty when none of it shows
-  std::array<Stamp, 2> stamps{};
-  int stampCount = 0;
-  DrawRecord record;  // the box and a fingerprint of every pixel the item paints
+  std::size_t firstStamp = 0;  // its stamps in the frame's list of stamps
+  std::size_t stampCount = 0;
+  DrawRecord record;  // the box of all its stamps and a fingerprint of every pixel they paint
 };
 
 // `toDevice` maps the node's own coordinates to the frame's pixels, `alpha` is its accumulated
-// opacity and `frame` the frame's pixels.
-StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame);
-StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame);
+// opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`.
+StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
+                       std::vector<Stamp>& stamps);
+StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
+                       std::vector<Stamp>& stamps);
 
-// Draws one of the item's masks into `cr`, whose target is a clear A8 image of the box's size.
-void rasterizeStamp(cairo_t* cr, const StampedItem& item, StampLayer layer);
+// Draws a stamp's mask into `cr`, whose target is a clear A8 image of the stamp's box size.
+void rasterizeStamp(cairo_t* cr, const StampedItem& item, const Stamp& stamp);
 
 // What lies under every item: the background colour and the frame's size and scale. When it changes,
 // every pixel may.

@@ -93,16 +93,20 @@ struct SharedLayout {
   double boxLeft = 0;      // the span the alignment refers to
   double boxWidth = 0;
   double baseline = 0;     // of the first line, below the top
-  // Each run of glyphs with the start of its baseline, in pango units, found once: walking a layout
-  // costs more than drawing it.
+  // Each run of glyphs with the start of its baseline, in pango units, found once with everything
+  // drawing it needs: walking a layout costs more than drawing it.
   struct Run {
-    const PangoGlyphItem* glyphs;
-    int x, baseline;
+    const PangoGlyphItem* glyphs = nullptr;
+    int x = 0, baseline = 0;
+    uint64_t fontKey = 0;                 // names the run's face, size and style
+    std::vector<Rect> inks;               // each glyph's ink around its origin, in points, y down
+    std::array<PangoGlyph, 10> digits{};  // the glyphs of "0" to "9" in the run's font
+    std::array<Rect, 10> digitInks{};
   };
   std::vector<Run> runs;
-  // The glyphs of "0" to "9" in each run's font, in run order; empty when some "0" is not a glyph of
-  // its own (a ligature, say), and then the layout serves its own text only.
-  std::vector<std::array<PangoGlyph, 10>> digitGlyphs;
+  // Every "0" is a glyph of its own (not part of a ligature, say) and every run knows its digits'
+  // glyphs; otherwise the layout serves its own text only.
+  bool swapsDigits = false;
 
   SharedLayout() = default;
   SharedLayout(const SharedLayout&) = delete;
@@ -110,7 +114,6 @@ struct SharedLayout {
   ~SharedLayout() {
     if (layout) g_object_unref(layout);
   }
-  bool swapsDigits() const { return !digitGlyphs.empty(); }
 };
 
 // A label's text as laid out: its shared layout and the digits to show in it.
@@ -153,21 +156,37 @@ bool zerosAreSingleGlyphs(const std::string& text, const PangoGlyphItem& run) {
   return true;
 }
 
-// The glyphs of the ten digits in the run's font and script, if each is a glyph of its own.
-std::optional<std::array<PangoGlyph, 10>> digitGlyphsOf(const PangoGlyphItem& run) {
+Rect inkOf(PangoFont* font, PangoGlyph glyph) {
+  PangoRectangle ink;
+  pango_font_get_glyph_extents(font, glyph, &ink, nullptr);
+  return Rect::make(points(ink.x), points(ink.y), points(ink.width), points(ink.height));
+}
+
+// A name for the font's look, the same for every font object of that face, size and style.
+uint64_t fontKeyOf(PangoFont* font) {
+  PangoFontDescription* description = pango_font_describe_with_absolute_size(font);
+  char* name = pango_font_description_to_string(description);
+  const uint64_t key = std::hash<std::string_view>{}(name);
+  g_free(name);
+  pango_font_description_free(description);
+  return key;
+}
+
+// Finds the glyphs of the ten digits in the run's font and script; false unless each is a glyph of
+// its own.
+bool findDigits(SharedLayout::Run& run) {
   constexpr char kDigits[] = "0123456789";
   PangoGlyphString* glyphs = pango_glyph_string_new();
-  pango_shape(kDigits, 10, &run.item->analysis, glyphs);
-  std::optional<std::array<PangoGlyph, 10>> result;
-  if (glyphs->num_glyphs == 10) {
-    result.emplace();
-    for (int i = 0; i < 10 && result; ++i) {
-      if (glyphs->log_clusters[i] != i) result.reset();
-      else (*result)[static_cast<std::size_t>(i)] = glyphs->glyphs[i].glyph;
-    }
+  pango_shape(kDigits, 10, &run.glyphs->item->analysis, glyphs);
+  bool found = glyphs->num_glyphs == 10;
+  for (int i = 0; i < 10 && found; ++i) {
+    found = glyphs->log_clusters[i] == i;
+    const auto digit = static_cast<std::size_t>(i);
+    run.digits[digit] = glyphs->glyphs[i].glyph;
+    run.digitInks[digit] = inkOf(run.glyphs->item->analysis.font, run.digits[digit]);
   }
   pango_glyph_string_free(glyphs);
-  return result;
+  return found;
 }
 
 std::vector<SharedLayout::Run> runsOf(PangoLayout* layout) {
@@ -178,7 +197,14 @@ std::vector<SharedLayout::Run> runsOf(PangoLayout* layout) {
     if (run == nullptr) continue;  // the end of a line
     PangoRectangle logical;
     pango_layout_iter_get_run_extents(iter, nullptr, &logical);
-    runs.push_back({run, logical.x, pango_layout_iter_get_baseline(iter)});
+    PangoFont* font = run->item->analysis.font;
+    SharedLayout::Run found;
+    found.glyphs = run;
+    found.x = logical.x;
+    found.baseline = pango_layout_iter_get_baseline(iter);
+    found.fontKey = fontKeyOf(font);
+    for (int i = 0; i < run->glyphs->num_glyphs; ++i) found.inks.push_back(inkOf(font, run->glyphs->glyphs[i].glyph));
+    runs.push_back(std::move(found));
   } while (pango_layout_iter_next_run(iter));
   pango_layout_iter_free(iter);
   return runs;
@@ -211,7 +237,7 @@ class LabelLayoutCache {
   static std::shared_ptr<const SharedLayout> sharedLayout(const LabelNode& label) {
     const std::string cells = digitsAsZeros(label.text());
     std::shared_ptr<const SharedLayout> layout = kept(label, cells);
-    if (cells == label.text() || layout->swapsDigits()) return layout;
+    if (cells == label.text() || layout->swapsDigits) return layout;
     return kept(label, label.text());
   }
 
@@ -278,13 +304,11 @@ class LabelLayoutCache {
 
   static void findDigitGlyphs(SharedLayout& shared) {
     if (shared.text.find('0') == std::string::npos) return;
-    bool swaps = true;
-    for (const SharedLayout::Run& run : shared.runs) {
-      const std::optional<std::array<PangoGlyph, 10>> digits = digitGlyphsOf(*run.glyphs);
-      swaps = swaps && digits && zerosAreSingleGlyphs(shared.text, *run.glyphs);
-      shared.digitGlyphs.push_back(digits.value_or(std::array<PangoGlyph, 10>{}));
+    shared.swapsDigits = true;
+    for (SharedLayout::Run& run : shared.runs) {
+      const bool found = findDigits(run);  // every run, so that each knows its digits
+      shared.swapsDigits = shared.swapsDigits && found && zerosAreSingleGlyphs(shared.text, *run.glyphs);
     }
-    if (!swaps) shared.digitGlyphs.clear();
   }
 
   // Lines past the limit are dropped, not ellipsized.
@@ -319,32 +343,48 @@ void installPangoText() {
   installTextMeasurer(&measurer);
 }
 
-void showLabelText(cairo_t* cr, const LabelNode& label) {
+void labelGlyphs(const LabelNode& label, std::vector<LabelGlyph>& glyphs) {
+  glyphs.clear();
   const LabelLayout& l = LabelLayoutCache::of(label);
-  if (l.empty || !cr) return;
+  if (l.empty) return;
   const SharedLayout& shared = *l.shared;
   const Point origin = l.origin();
-  cairo_save(cr);
-  cairo_translate(cr, origin.x, origin.y);
-  cairo_scale(cr, 1, -1);
-  for (std::size_t r = 0; r < shared.runs.size(); ++r) {
-    const PangoGlyphItem& run = *shared.runs[r].glyphs;
-    PangoGlyphString* glyphs = pango_glyph_string_copy(run.glyphs);
-    if (shared.swapsDigits()) {
-      // The text may be longer than the layout's when lines were dropped; those digits are not shown.
-      const std::array<PangoGlyph, 10>& digits = shared.digitGlyphs[r];
-      for (int i = 0; i < glyphs->num_glyphs; ++i) {
-        const std::size_t at = static_cast<std::size_t>(run.item->offset + glyphs->log_clusters[i]);
+  for (const SharedLayout::Run& run : shared.runs) {
+    const PangoGlyphString& string = *run.glyphs->glyphs;
+    int x = run.x;
+    for (int i = 0; i < string.num_glyphs; ++i) {
+      const PangoGlyphInfo& info = string.glyphs[i];
+      PangoGlyph glyph = info.glyph;
+      Rect ink = run.inks[static_cast<std::size_t>(i)];
+      if (shared.swapsDigits) {
+        // The text may be longer than the layout's when lines were dropped; those digits are not shown.
+        const std::size_t at = static_cast<std::size_t>(run.glyphs->item->offset + string.log_clusters[i]);
         const char c = at < l.text.size() ? l.text[at] : '0';
-        if (shared.text[at] == '0' && c >= '0' && c <= '9') glyphs->glyphs[i].glyph = digits[static_cast<std::size_t>(c - '0')];
+        if (shared.text[at] == '0' && c >= '0' && c <= '9') {
+          glyph = run.digits[static_cast<std::size_t>(c - '0')];
+          ink = run.digitInks[static_cast<std::size_t>(c - '0')];
+        }
       }
+      // Pango's frame has y down from the layout's top; the label's has y up.
+      const Point at{origin.x + points(x + info.geometry.x_offset), origin.y - points(run.baseline + info.geometry.y_offset)};
+      x += info.geometry.width;
+      if (glyph == PANGO_GLYPH_EMPTY || !(ink.width() > 0) || !(ink.height() > 0)) continue;
+      glyphs.push_back({run.glyphs->item->analysis.font, run.fontKey, glyph, at, ink});
     }
-    cairo_move_to(cr, points(shared.runs[r].x), points(shared.runs[r].baseline));
-    pango_cairo_show_glyph_string(cr, run.item->analysis.font, glyphs);
-    pango_glyph_string_free(glyphs);
   }
+}
+
+void showGlyph(cairo_t* cr, void* font, uint32_t glyph) {
+  PangoGlyphString* string = pango_glyph_string_new();
+  pango_glyph_string_set_size(string, 1);
+  string->glyphs[0].glyph = glyph;
+  string->glyphs[0].geometry = {0, 0, 0};
+  string->glyphs[0].attr.is_cluster_start = 1;
+  string->log_clusters[0] = 0;
+  cairo_move_to(cr, 0, 0);
+  pango_cairo_show_glyph_string(cr, static_cast<PangoFont*>(font), string);
   cairo_new_path(cr);
-  cairo_restore(cr);
+  pango_glyph_string_free(string);
 }
 
 PangoContext* sharedTextContext() { return sharedContext(); }

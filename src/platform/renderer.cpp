@@ -229,7 +229,7 @@ void copyTile(pixman_image_t* tilePixels, const PixelRect& tile, pixman_image_t*
 
 }  // namespace
 
-Renderer::Renderer() : stamps_(kStampBudgetBytes) {}
+Renderer::Renderer() : masks_(kMaskBudgetBytes) {}
 
 Renderer::~Renderer() = default;
 
@@ -245,26 +245,27 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
 
   const PixelRect frame{0, 0, target.width, target.height};
   items_.clear();
+  stamps_.clear();
   for (const DrawItem& item : items) {
     cairo_matrix_t toDevice;
     cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
     items_.push_back(item.kind == DrawKind::shape
-                         ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame)
-                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame));
+                         ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame, stamps_)
+                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_));
   }
 }
 
 pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
-  if (pixman_image_t* kept = stamps_.find(stamp.key)) return kept;
-  cairo_surface_t* mask = cairo_image_surface_create(CAIRO_FORMAT_A8, item.box.width, item.box.height);
+  if (pixman_image_t* kept = masks_.find(stamp.key)) return kept;
+  cairo_surface_t* mask = cairo_image_surface_create(CAIRO_FORMAT_A8, stamp.box.width, stamp.box.height);
   pixman_image_t* image = nullptr;
   if (cairo_surface_status(mask) == CAIRO_STATUS_SUCCESS) {
     cairo_t* cr = cairo_create(mask);
-    rasterizeStamp(cr, item, stamp.layer);
+    rasterizeStamp(cr, item, stamp);
     const bool drawn = cairo_status(cr) == CAIRO_STATUS_SUCCESS;
     cairo_destroy(cr);
     cairo_surface_flush(mask);
-    if (drawn) image = stamps_.keep(stamp.key, mask);
+    if (drawn) image = masks_.keep(stamp.key, mask);
   }
   cairo_surface_destroy(mask);
   return image;
@@ -281,7 +282,7 @@ void Renderer::paint(pixman_image_t* target, const Scene* scene, const std::vect
       }
     }
   }
-  stamps_.endFrame();
+  masks_.endFrame();
 }
 
 void Renderer::paintTile(pixman_image_t* target, const Scene* scene, const PixelRect& tile) {
@@ -292,9 +293,11 @@ void Renderer::paintTile(pixman_image_t* target, const Scene* scene, const Pixel
   if (pixels == nullptr) return;
   paintBackground(pixels, scene);
   for (const StampedItem& item : items_) {
-    if (!item.box.intersects(tile)) continue;
-    for (int i = 0; i < item.stampCount; ++i) {
-      if (pixman_image_t* mask = maskOf(item, item.stamps[i])) composite(pixels, tile, mask, item.stamps[i].color, item.box);
+    if (!item.record.box.intersects(tile)) continue;
+    for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
+      const Stamp& stamp = stamps_[i];
+      if (!stamp.box.intersects(tile)) continue;
+      if (pixman_image_t* mask = maskOf(item, stamp)) composite(pixels, tile, mask, stamp.color, stamp.box);
     }
   }
   copyTile(pixels, tile, target);

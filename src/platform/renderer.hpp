@@ -49,7 +49,7 @@ class Renderer {
   bool tracksDamage() const { return tracksDamage_; }
 
   // The masks kept between frames, for measurements.
-  const StampCache& stamps() const { return stamps_; }
+  const StampCache& masks() const { return masks_; }
 
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
   PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
@@ -57,12 +57,12 @@ class Renderer {
  private:
   // Masks beyond this many bytes are let go, least recently used first: enough for every item of a
   // running game at the places within a pixel where it keeps coming back.
-  static constexpr std::size_t kStampBudgetBytes = std::size_t{2} << 20;
+  static constexpr std::size_t kMaskBudgetBytes = std::size_t{2} << 20;
   // 64 KB of pixels: a tile and the masks over it fit in a core's cache.
   static constexpr int kTileWidth = 256;
   static constexpr int kTileHeight = 64;
 
-  // Fills items_ with the frame's stamped items, the counters last.
+  // Fills items_ and stamps_ with the frame's stamped items, the counters last.
   void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
   // The mask of one of an item's stamps, found or drawn now; nullptr when memory runs out.
   pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
@@ -72,12 +72,13 @@ class Renderer {
   // frame: the frame's rows are touched once, not once for the background and again for each item.
   void paintTile(pixman_image_t* target, const Scene* scene, const PixelRect& tile);
 
-  StampCache stamps_;
+  StampCache masks_;
   std::vector<uint32_t> tilePixels_ = std::vector<uint32_t>(std::size_t{kTileWidth} * kTileHeight);
   bool tracksDamage_ = true;
   bool hasPrevious_ = false;
   uint64_t previousBackdrop_ = 0;
   std::vector<StampedItem> items_;
+  std::vector<Stamp> stamps_;  // the items' stamps, in drawing order
   std::vector<DrawRecord> previous_;
   std::vector<DrawRecord> records_;
   std::vector<PixelRect> damage_;
