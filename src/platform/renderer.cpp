@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -200,31 +199,18 @@ void paintBackground(pixman_image_t* target, const Scene* scene) {
   if (scene != nullptr && !opaqueBackground) fill(target, PIXMAN_OP_OVER, scene->backgroundColor);
 }
 
-// Composites the part of a mask that lands at `box` on the frame and inside `tile` into `tilePixels`,
-// which hold the tile's pixels.
-void composite(pixman_image_t* tilePixels, const PixelRect& tile, pixman_image_t* mask, const Color& color,
+// Composites the part of a mask that lands at `box` on the frame and inside `area` into `areaPixels`,
+// an image of that area's pixels.
+void composite(pixman_image_t* areaPixels, const PixelRect& area, pixman_image_t* mask, const Color& color,
                const PixelRect& box) {
-  const PixelRect part = box.intersection(tile);
+  const PixelRect part = box.intersection(area);
   if (part.isEmpty()) return;
   const pixman_color_t source = pixmanColor(color);
   pixman_image_t* solid = pixman_image_create_solid_fill(&source);
   if (solid == nullptr) return;
-  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, tilePixels, 0, 0, part.x - box.x, part.y - box.y,
-                           part.x - tile.x, part.y - tile.y, part.width, part.height);
+  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, areaPixels, 0, 0, part.x - box.x, part.y - box.y,
+                           part.x - area.x, part.y - area.y, part.width, part.height);
   pixman_image_unref(solid);
-}
-
-// Copies a tile's pixels into the frame's.
-void copyTile(pixman_image_t* tilePixels, const PixelRect& tile, pixman_image_t* frame) {
-  const auto* from = reinterpret_cast<const unsigned char*>(pixman_image_get_data(tilePixels));
-  auto* to = reinterpret_cast<unsigned char*>(pixman_image_get_data(frame));
-  const int fromStride = pixman_image_get_stride(tilePixels);
-  const int toStride = pixman_image_get_stride(frame);
-  const std::size_t rowBytes = static_cast<std::size_t>(tile.width) * 4;
-  for (int row = 0; row < tile.height; ++row) {
-    std::memcpy(to + static_cast<std::ptrdiff_t>(tile.y + row) * toStride + static_cast<std::ptrdiff_t>(tile.x) * 4,
-                from + static_cast<std::ptrdiff_t>(row) * fromStride, rowBytes);
-  }
 }
 
 }  // namespace
@@ -273,34 +259,30 @@ pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
 
 void Renderer::paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes) {
   const PixelRect frame{0, 0, pixman_image_get_width(target), pixman_image_get_height(target)};
-  for (const PixelRect& unclipped : boxes) {
-    const PixelRect box = unclipped.intersection(frame);
-    for (int y = box.y; y < box.y + box.height; y += kTileHeight) {
-      for (int x = box.x; x < box.x + box.width; x += kTileWidth) {
-        const PixelRect tile{x, y, std::min(kTileWidth, box.x + box.width - x), std::min(kTileHeight, box.y + box.height - y)};
-        paintTile(target, scene, tile);
-      }
-    }
+  for (const PixelRect& box : boxes) {
+    if (const PixelRect onFrame = box.intersection(frame); !onFrame.isEmpty()) paintBox(target, scene, onFrame);
   }
   masks_.endFrame();
 }
 
-void Renderer::paintTile(pixman_image_t* target, const Scene* scene, const PixelRect& tile) {
-  // Every pixel of the tile is painted anew, background first, so boxes that overlap paint their
-  // common pixels twice alike.
-  pixman_image_t* pixels = pixman_image_create_bits(pixman_image_get_format(target), tile.width, tile.height,
-                                                    tilePixels_.data(), tile.width * 4);
+void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelRect& box) {
+  // Every pixel of the box is painted anew, background first, so boxes that overlap paint their
+  // common pixels twice alike. The box is painted through an image of its own over the frame's pixels.
+  const int stride = pixman_image_get_stride(target);
+  auto* corner = reinterpret_cast<unsigned char*>(pixman_image_get_data(target)) +
+                 static_cast<std::ptrdiff_t>(box.y) * stride + static_cast<std::ptrdiff_t>(box.x) * 4;
+  pixman_image_t* pixels = pixman_image_create_bits(pixman_image_get_format(target), box.width, box.height,
+                                                    reinterpret_cast<uint32_t*>(corner), stride);
   if (pixels == nullptr) return;
   paintBackground(pixels, scene);
   for (const StampedItem& item : items_) {
-    if (!item.record.box.intersects(tile)) continue;
+    if (!item.record.box.intersects(box)) continue;
     for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
       const Stamp& stamp = stamps_[i];
-      if (!stamp.box.intersects(tile)) continue;
-      if (pixman_image_t* mask = maskOf(item, stamp)) composite(pixels, tile, mask, stamp.color, stamp.box);
+      if (!stamp.box.intersects(box)) continue;
+      if (pixman_image_t* mask = maskOf(item, stamp)) composite(pixels, box, mask, stamp.color, stamp.box);
     }
   }
-  copyTile(pixels, tile, target);
   pixman_image_unref(pixels);
 }
 

@@ -58,9 +58,6 @@ class Renderer {
   // Masks beyond this many bytes are let go, least recently used first: enough for every item of a
   // running game at the places within a pixel where it keeps coming back.
   static constexpr std::size_t kMaskBudgetBytes = std::size_t{2} << 20;
-  // 64 KB of pixels: a tile and the masks over it fit in a core's cache.
-  static constexpr int kTileWidth = 256;
-  static constexpr int kTileHeight = 64;
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
   void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
@@ -68,12 +65,9 @@ class Renderer {
   pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
   // Paints the background and every item into `target`, inside `boxes` only.
   void paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes);
-  // Paints one tile in the small image that stays in the processor's cache, then copies it into the
-  // frame: the frame's rows are touched once, not once for the background and again for each item.
-  void paintTile(pixman_image_t* target, const Scene* scene, const PixelRect& tile);
+  void paintBox(pixman_image_t* target, const Scene* scene, const PixelRect& box);
 
   StampCache masks_;
-  std::vector<uint32_t> tilePixels_ = std::vector<uint32_t>(std::size_t{kTileWidth} * kTileHeight);
   bool tracksDamage_ = true;
   bool hasPrevious_ = false;
   uint64_t previousBackdrop_ = 0;
