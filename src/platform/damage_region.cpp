@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <unordered_map>
 
 namespace zb {
 
@@ -65,37 +64,58 @@ void addSlideDamage(const SlidingRect& from, const SlidingRect& to, std::vector<
   }
 }
 
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+// Old records by a key, each to be taken by at most one new record. Keys repeat only for identical
+// twins; of those the earliest is taken first.
+class OldRecords {
+ public:
+  // Takes the records not skipped; with `slides`, those that can slide, by their sliding look.
+  OldRecords(const std::vector<DrawRecord>& records, const std::vector<bool>& skip, bool slides) {
+    for (std::size_t i = 0; i < records.size(); ++i) {
+      if (skip[i] || (slides && records[i].sliding.look == 0)) continue;
+      byKey_.push_back({slides ? records[i].sliding.look : records[i].look, i});
+    }
+    std::sort(byKey_.begin(), byKey_.end());
+    taken_.assign(byKey_.size(), false);
+  }
+
+  // The index of an old record with this key not taken yet, now taken; kNone when there is none.
+  std::size_t take(uint64_t key) {
+    auto it = std::lower_bound(byKey_.begin(), byKey_.end(), std::pair<uint64_t, std::size_t>{key, 0});
+    for (; it != byKey_.end() && it->first == key; ++it) {
+      const auto at = static_cast<std::size_t>(it - byKey_.begin());
+      if (taken_[at]) continue;
+      taken_[at] = true;
+      return it->second;
+    }
+    return kNone;
+  }
+
+ private:
+  std::vector<std::pair<uint64_t, std::size_t>> byKey_;
+  std::vector<bool> taken_;
+};
+
 }  // namespace
 
 std::vector<PixelRect> damageBetween(const std::vector<DrawRecord>& before, const std::vector<DrawRecord>& after) {
-  constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-  // Looks repeat only for identical twins drawn at the same place; each old record matches one new one.
-  std::unordered_multimap<uint64_t, std::size_t> byLook;
-  byLook.reserve(before.size());
-  for (std::size_t i = 0; i < before.size(); ++i) byLook.emplace(before[i].look, i);
   std::vector<bool> matched(before.size(), false);
   std::vector<std::size_t> oldOf(after.size(), kNone);
   std::vector<bool> slid(after.size(), false);
+  OldRecords byLook(before, matched, false);
   for (std::size_t j = 0; j < after.size(); ++j) {
-    const auto it = byLook.find(after[j].look);
-    if (it == byLook.end()) continue;
-    oldOf[j] = it->second;
-    matched[it->second] = true;
-    byLook.erase(it);
+    oldOf[j] = byLook.take(after[j].look);
+    if (oldOf[j] != kNone) matched[oldOf[j]] = true;
   }
   // What is left over may be a sliding rectangle that only moved.
-  std::unordered_multimap<uint64_t, std::size_t> bySlide;
-  for (std::size_t i = 0; i < before.size(); ++i) {
-    if (!matched[i] && before[i].sliding.look != 0) bySlide.emplace(before[i].sliding.look, i);
-  }
-  for (std::size_t j = 0; j < after.size() && !bySlide.empty(); ++j) {
+  OldRecords bySlide(before, matched, true);
+  for (std::size_t j = 0; j < after.size(); ++j) {
     if (oldOf[j] != kNone || after[j].sliding.look == 0) continue;
-    const auto it = bySlide.find(after[j].sliding.look);
-    if (it == bySlide.end()) continue;
-    oldOf[j] = it->second;
-    matched[it->second] = true;
+    oldOf[j] = bySlide.take(after[j].sliding.look);
+    if (oldOf[j] == kNone) continue;
+    matched[oldOf[j]] = true;
     slid[j] = true;
-    bySlide.erase(it);
   }
 
   std::vector<PixelRect> damage;

@@ -201,23 +201,39 @@ void paintBackground(pixman_image_t* target, const Scene* scene) {
 
 // Composites the part of a mask that lands at `box` on the frame and inside `area` into `areaPixels`,
 // an image of that area's pixels.
-void composite(pixman_image_t* areaPixels, const PixelRect& area, pixman_image_t* mask, const Color& color,
+void composite(pixman_image_t* areaPixels, const PixelRect& area, pixman_image_t* mask, pixman_image_t* color,
                const PixelRect& box) {
   const PixelRect part = box.intersection(area);
   if (part.isEmpty()) return;
-  const pixman_color_t source = pixmanColor(color);
-  pixman_image_t* solid = pixman_image_create_solid_fill(&source);
-  if (solid == nullptr) return;
-  pixman_image_composite32(PIXMAN_OP_OVER, solid, mask, areaPixels, 0, 0, part.x - box.x, part.y - box.y,
+  pixman_image_composite32(PIXMAN_OP_OVER, color, mask, areaPixels, 0, 0, part.x - box.x, part.y - box.y,
                            part.x - area.x, part.y - area.y, part.width, part.height);
-  pixman_image_unref(solid);
+}
+
+bool operator==(const pixman_color_t& a, const pixman_color_t& b) {
+  return a.red == b.red && a.green == b.green && a.blue == b.blue && a.alpha == b.alpha;
 }
 
 }  // namespace
 
 Renderer::Renderer() : masks_(kMaskBudgetBytes) {}
 
-Renderer::~Renderer() = default;
+Renderer::~Renderer() {
+  for (const auto& [color, image] : solids_) pixman_image_unref(image);
+}
+
+pixman_image_t* Renderer::solidOf(const Color& color) {
+  const pixman_color_t wanted = pixmanColor(color);
+  for (const auto& [kept, image] : solids_) {
+    if (kept == wanted) return image;
+  }
+  if (solids_.size() >= kKeptColors) {
+    pixman_image_unref(solids_.front().second);
+    solids_.erase(solids_.begin());
+  }
+  pixman_image_t* image = pixman_image_create_solid_fill(&wanted);
+  if (image != nullptr) solids_.emplace_back(wanted, image);
+  return image;
+}
 
 void Renderer::stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target) {
   // Scene points have y up: flip once here, every node draws in its own y-up coordinates.
@@ -280,7 +296,9 @@ void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelR
     for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
       const Stamp& stamp = stamps_[i];
       if (!stamp.box.intersects(box)) continue;
-      if (pixman_image_t* mask = maskOf(item, stamp)) composite(pixels, box, mask, stamp.color, stamp.box);
+      pixman_image_t* mask = maskOf(item, stamp);
+      pixman_image_t* color = solidOf(stamp.color);
+      if (mask != nullptr && color != nullptr) composite(pixels, box, mask, color, stamp.box);
     }
   }
   pixman_image_unref(pixels);

@@ -58,6 +58,7 @@ class Renderer {
   // Masks beyond this many bytes are let go, least recently used first: enough for every item of a
   // running game at the places within a pixel where it keeps coming back.
   static constexpr std::size_t kMaskBudgetBytes = std::size_t{2} << 20;
+  static constexpr std::size_t kKeptColors = 32;
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
   void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
@@ -66,6 +67,8 @@ class Renderer {
   // Paints the background and every item into `target`, inside `boxes` only.
   void paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes);
   void paintBox(pixman_image_t* target, const Scene* scene, const PixelRect& box);
+  // A source of one colour for pixman, kept for the next frames: a palette has a handful of colours.
+  pixman_image_t* solidOf(const Color& color);
 
   StampCache masks_;
   bool tracksDamage_ = true;
@@ -73,6 +76,7 @@ class Renderer {
   uint64_t previousBackdrop_ = 0;
   std::vector<StampedItem> items_;
   std::vector<Stamp> stamps_;  // the items' stamps, in drawing order
+  std::vector<std::pair<pixman_color_t, pixman_image_t*>> solids_;  // oldest first
   std::vector<DrawRecord> previous_;
   std::vector<DrawRecord> records_;
   std::vector<PixelRect> damage_;

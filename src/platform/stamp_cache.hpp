@@ -5,7 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_map>
+#include <vector>
 
 typedef struct _cairo_surface cairo_surface_t;
 
@@ -34,14 +34,27 @@ class StampCache {
 
  private:
   struct Entry {
+    uint64_t key;
     cairo_surface_t* surface;
     pixman_image_t* image;
     std::size_t bytes;
     uint64_t lastUsed;
   };
-  void drop(std::unordered_map<uint64_t, Entry>::iterator it);
+  // The keys sit in a table of their own, open addressed and at most half full, so that a lookup
+  // reads one or two neighbouring slots rather than chasing list nodes.
+  struct Slot {
+    uint64_t key = 0;
+    uint32_t entry = kEmpty;  // index into entries_
+  };
+  static constexpr uint32_t kEmpty = UINT32_MAX;
 
-  std::unordered_map<uint64_t, Entry> entries_;
+  std::size_t home(uint64_t key) const;
+  std::size_t slotOf(uint64_t key) const;  // the slot holding `key`, or the empty one where it would go
+  void growSlots();
+  void drop(std::size_t entry);
+
+  std::vector<Entry> entries_;
+  std::vector<Slot> slots_;
   std::size_t budget_;
   std::size_t bytes_ = 0;
   uint64_t frame_ = 1;
