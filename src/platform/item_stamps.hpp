@@ -30,14 +30,12 @@ struct PixelSize {
   int width = 0, height = 0;
 };
 
-// FNV-1a over 64-bit words: fast, and a collision would need two looks to agree on every field.
+// A 64-bit fingerprint built a word at a time (the mixing step of xxHash64): two looks would have to
+// agree on every field, or collide by chance one time in 2^64.
 class LookHash {
  public:
   LookHash& add(uint64_t word) {
-    for (int i = 0; i < 8; ++i) {
-      hash_ ^= (word >> (8 * i)) & 0xff;
-      hash_ *= 1099511628211ULL;
-    }
+    hash_ = std::rotl(hash_ ^ (std::rotl(word * kPrime2, 31) * kPrime1), 27) * kPrime1 + kPrime4;
     return *this;
   }
   LookHash& add(double value) { return add(std::bit_cast<uint64_t>(value)); }
@@ -49,7 +47,10 @@ class LookHash {
   uint64_t value() const { return hash_; }
 
  private:
-  uint64_t hash_ = 14695981039346656037ULL;
+  static constexpr uint64_t kPrime1 = 0x9E3779B185EBCA87ULL;
+  static constexpr uint64_t kPrime2 = 0xC2B2AE3D27D4EB4FULL;
+  static constexpr uint64_t kPrime4 = 0x85EBCA77C2B2AE63ULL;
+  uint64_t hash_ = 0x27D4EB2F165667C5ULL;
 };
 
 enum class StampLayer : uint8_t { fill, stroke, glyph };

@@ -248,6 +248,7 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
   const PixelRect frame{0, 0, target.width, target.height};
   items_.clear();
   stamps_.clear();
+  stampMasks_.clear();
   for (const DrawItem& item : items) {
     cairo_matrix_t toDevice;
     cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
@@ -255,6 +256,7 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
                          ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame, stamps_)
                          : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_));
   }
+  stampMasks_.resize(stamps_.size(), nullptr);
 }
 
 pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
@@ -296,7 +298,9 @@ void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelR
     for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
       const Stamp& stamp = stamps_[i];
       if (!stamp.box.intersects(box)) continue;
-      pixman_image_t* mask = maskOf(item, stamp);
+      // A stamp met by several boxes looks its mask up once.
+      pixman_image_t*& mask = stampMasks_[i];
+      if (mask == nullptr) mask = maskOf(item, stamp);
       pixman_image_t* color = solidOf(stamp.color);
       if (mask != nullptr && color != nullptr) composite(pixels, box, mask, color, stamp.box);
     }

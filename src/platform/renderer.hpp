@@ -76,6 +76,7 @@ class Renderer {
   uint64_t previousBackdrop_ = 0;
   std::vector<StampedItem> items_;
   std::vector<Stamp> stamps_;  // the items' stamps, in drawing order
+  std::vector<pixman_image_t*> stampMasks_;  // each stamp's mask once looked up this frame
   std::vector<std::pair<pixman_color_t, pixman_image_t*>> solids_;  // oldest first
   std::vector<DrawRecord> previous_;
   std::vector<DrawRecord> records_;
