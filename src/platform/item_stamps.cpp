@@ -23,6 +23,8 @@ constexpr double kFarPixels = 1 << 24;
 constexpr double kSubpixelSteps = 4;
 // Cairo puts glyphs on whole pixels on images anyway; snapping them there first keeps one mask a glyph.
 constexpr double kGlyphSubpixelSteps = 1;
+// Items up to this many pixels are rasterized whole (a quarter of a megabyte of mask at most).
+constexpr int64_t kWholeMaskPixels = 512 * 512;
 
 // Tags that keep the kinds of key apart.
 enum class KeyKind : uint64_t { fill = 1, stroke, glyph, shapeRecord, labelRecord, slide };
@@ -68,6 +70,7 @@ Snapped snapToSubpixel(double v, double steps) {
 struct Placement {
   cairo_matrix_t toMask;
   PixelRect box;
+  PixelRect maskBox;
   uint64_t key;
 };
 
@@ -79,14 +82,18 @@ Placement place(const cairo_matrix_t& toDevice, const std::optional<Rect>& bound
   phased.x0 = x.fraction;
   phased.y0 = y.fraction;
   const PixelRect reach = pixelBox(bounds ? std::optional<Rect>(affineOf(phased).apply(*bounds)) : std::nullopt);
-  const PixelRect box = PixelRect{reach.x + x.whole, reach.y + y.whole, reach.width, reach.height}.intersection(frame);
-  // Only the part on the frame is rasterized; it is named relative to the item's whole-pixel place.
-  const PixelRect shown{box.x - x.whole, box.y - y.whole, box.width, box.height};
-  Placement p{phased, box, 0};
-  p.toMask.x0 -= shown.x;
-  p.toMask.y0 -= shown.y;
+  const PixelRect whole{reach.x + x.whole, reach.y + y.whole, reach.width, reach.height};
+  const PixelRect box = whole.intersection(frame);
+  // A mask holds all of a small item, so that it is found again while the item crosses the frame's
+  // edge; of a large one only the part on the frame is rasterized. Either way the mask is named
+  // relative to the item's whole-pixel place.
+  const PixelRect maskBox = whole.area() <= kWholeMaskPixels ? whole : box;
+  const PixelRect local{maskBox.x - x.whole, maskBox.y - y.whole, maskBox.width, maskBox.height};
+  Placement p{phased, box, maskBox, 0};
+  p.toMask.x0 -= local.x;
+  p.toMask.y0 -= local.y;
   p.key = LookHash().add(phased.xx).add(phased.yx).add(phased.xy).add(phased.yy).add(x.fraction).add(y.fraction)
-              .add(shown).value();
+              .add(local).value();
   return p;
 }
 
@@ -206,13 +213,13 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
     const uint64_t outline = pathLook(shape.path);
     if (fills) {
       const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline).add(placement.key).value();
-      stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.toMask});
+      stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.maskBox, placement.toMask});
     }
     if (strokes) {
       LookHash key;
       key.add(static_cast<uint64_t>(KeyKind::stroke)).add(outline).add(shape.lineWidth);
       key.add(static_cast<uint64_t>(shape.lineCap)).add(placement.key);
-      stamps.push_back({StampLayer::stroke, key.value(), stroke, placement.box, placement.toMask});
+      stamps.push_back({StampLayer::stroke, key.value(), stroke, placement.box, placement.maskBox, placement.toMask});
     }
     item.stampCount = stamps.size() - item.firstStamp;
     item.record.sliding = slidingOf(shape, toDevice, &stamps[item.firstStamp], item.stampCount, outline, reach);
@@ -238,7 +245,8 @@ StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, d
       if (placement.box.isEmpty()) continue;
       LookHash key;
       key.add(static_cast<uint64_t>(KeyKind::glyph)).add(g.fontKey).add(uint64_t{g.glyph}).add(placement.key);
-      stamps.push_back({StampLayer::glyph, key.value(), color, placement.box, placement.toMask, g.font, g.glyph});
+      stamps.push_back(
+          {StampLayer::glyph, key.value(), color, placement.box, placement.maskBox, placement.toMask, g.font, g.glyph});
     }
     item.stampCount = stamps.size() - item.firstStamp;
   }

@@ -60,7 +60,8 @@ struct Stamp {
   StampLayer layer = StampLayer::fill;
   uint64_t key = 0;         // names the mask
   Color color;              // what the mask is composited in, the item's opacity included
-  PixelRect box;            // where the mask lands on the frame; empty when none of it shows
+  PixelRect box;            // the part of the frame it paints; empty when none of it shows
+  PixelRect maskBox;        // where the whole mask lies, in the frame's pixels
   cairo_matrix_t toMask{};  // the stamp's own coordinates to the mask's pixels
   void* font = nullptr;     // for a glyph: its font and glyph (see LabelGlyph)
   uint32_t glyph = 0;
@@ -81,7 +82,7 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
 StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
                        std::vector<Stamp>& stamps);
 
-// Draws a stamp's mask into `cr`, whose target is a clear A8 image of the stamp's box size.
+// Draws a stamp's mask into `cr`, whose target is a clear A8 image of the stamp's mask box size.
 void rasterizeStamp(cairo_t* cr, const StampedItem& item, const Stamp& stamp);
 
 // What lies under every item: the background colour and the frame's size and scale. When it changes,

@@ -199,14 +199,13 @@ void paintBackground(pixman_image_t* target, const Scene* scene) {
   if (scene != nullptr && !opaqueBackground) fill(target, PIXMAN_OP_OVER, scene->backgroundColor);
 }
 
-// Composites the part of a mask that lands at `box` on the frame and inside `area` into `areaPixels`,
-// an image of that area's pixels.
+// Composites the part of a stamp inside `area` into `areaPixels`, an image of that area's pixels.
 void composite(pixman_image_t* areaPixels, const PixelRect& area, pixman_image_t* mask, pixman_image_t* color,
-               const PixelRect& box) {
-  const PixelRect part = box.intersection(area);
+               const Stamp& stamp) {
+  const PixelRect part = stamp.box.intersection(area);
   if (part.isEmpty()) return;
-  pixman_image_composite32(PIXMAN_OP_OVER, color, mask, areaPixels, 0, 0, part.x - box.x, part.y - box.y,
-                           part.x - area.x, part.y - area.y, part.width, part.height);
+  pixman_image_composite32(PIXMAN_OP_OVER, color, mask, areaPixels, 0, 0, part.x - stamp.maskBox.x,
+                           part.y - stamp.maskBox.y, part.x - area.x, part.y - area.y, part.width, part.height);
 }
 
 bool operator==(const pixman_color_t& a, const pixman_color_t& b) {
@@ -261,7 +260,7 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
 
 pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
   if (pixman_image_t* kept = masks_.find(stamp.key)) return kept;
-  cairo_surface_t* mask = cairo_image_surface_create(CAIRO_FORMAT_A8, stamp.box.width, stamp.box.height);
+  cairo_surface_t* mask = cairo_image_surface_create(CAIRO_FORMAT_A8, stamp.maskBox.width, stamp.maskBox.height);
   pixman_image_t* image = nullptr;
   if (cairo_surface_status(mask) == CAIRO_STATUS_SUCCESS) {
     cairo_t* cr = cairo_create(mask);
@@ -302,7 +301,7 @@ void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelR
       pixman_image_t*& mask = stampMasks_[i];
       if (mask == nullptr) mask = maskOf(item, stamp);
       pixman_image_t* color = solidOf(stamp.color);
-      if (mask != nullptr && color != nullptr) composite(pixels, box, mask, color, stamp.box);
+      if (mask != nullptr && color != nullptr) composite(pixels, box, mask, color, stamp);
     }
   }
   pixman_image_unref(pixels);
