@@ -23,8 +23,10 @@ constexpr double kFarPixels = 1 << 24;
 constexpr double kSubpixelSteps = 4;
 // Cairo puts glyphs on whole pixels on images anyway; snapping them there first keeps one mask a glyph.
 constexpr double kGlyphSubpixelSteps = 1;
-// Items up to this many pixels are rasterized whole (a quarter of a megabyte of mask at most).
+// Items up to this many pixels, and this long on either side, are rasterized whole (a quarter of a
+// megabyte of mask at most, and well within the sides cairo can allocate).
 constexpr int64_t kWholeMaskPixels = 512 * 512;
+constexpr int kWholeMaskSide = 4096;
 
 // Tags that keep the kinds of key apart.
 enum class KeyKind : uint64_t { fill = 1, stroke, glyph, shapeRecord, labelRecord, slide };
@@ -87,7 +89,8 @@ Placement place(const cairo_matrix_t& toDevice, const std::optional<Rect>& bound
   // A mask holds all of a small item, so that it is found again while the item crosses the frame's
   // edge; of a large one only the part on the frame is rasterized. Either way the mask is named
   // relative to the item's whole-pixel place.
-  const PixelRect maskBox = whole.area() <= kWholeMaskPixels ? whole : box;
+  const bool small = whole.area() <= kWholeMaskPixels && whole.width <= kWholeMaskSide && whole.height <= kWholeMaskSide;
+  const PixelRect maskBox = small ? whole : box;
   const PixelRect local{maskBox.x - x.whole, maskBox.y - y.whole, maskBox.width, maskBox.height};
   Placement p{phased, box, maskBox, 0};
   p.toMask.x0 -= local.x;

@@ -1,5 +1,5 @@
 #pragma once
-// Draws any scene with cairo: nodes by accumulated z position alone (ties in tree order), alpha
+// Draws any scene with cairo and pixman: nodes by accumulated z position alone (ties in tree order), alpha
 // multiplied down the tree, hidden subtrees skipped, y up, and the view's frame-rate and node-count
 // counters in a corner while their flags are on.
 //

@@ -70,7 +70,7 @@ ShapeNodePtr square(Point center, double side, Color fill, double z = 0) {
 }
 
 // Hidden pages and translucent scenery show in every screenshot comparison; these cases may not.
-TEST_F(RendererTest, OrderFollowsZAloneWithTiesInTreeOrderAndDegenerateNodesDrawNothing) {
+TEST_F(RendererTest, OrderFollowsZAloneWithTiesInTreeOrderDegenerateNodesDrawNothingAndHugeOnesShowWhereTheyCross) {
   auto flat = square({30, 40}, 10, kRed);
   flat->yScale = 0;
   flat->addChild(square({0, 0}, 5, kRed));
@@ -86,8 +86,20 @@ TEST_F(RendererTest, OrderFollowsZAloneWithTiesInTreeOrderAndDegenerateNodesDraw
   scene->addChild(high);
   scene->addChild(square({150, 70}, 10, kRed));
   scene->addChild(square({150, 70}, 10, kBlue));
+  // Far longer than any picture could be: only the part on the frame is drawn, but that part is.
+  auto horizon = ShapeNode::withPath(Path::line({-1e6, 90}, {1e6, 90}));
+  horizon->strokeColor = kBlue;
+  horizon->lineWidth = 4;
+  scene->addChild(horizon);
+  auto thread = ShapeNode::withPath(Path::line({-20000, 80}, {20000, 80}));  // thin: few pixels in all
+  thread->strokeColor = kBlue;
+  thread->lineWidth = 1;
+  scene->addChild(thread);
 
   Canvas canvas(view);
+  EXPECT_EQ(canvas.at(0, 90), kBluePixel);
+  EXPECT_EQ(canvas.at(199, 90), kBluePixel);
+  EXPECT_GE(canvas.count(0, 79, 200, 82), 200);
   EXPECT_EQ(canvas.at(30, 40), kWhitePixel);
   EXPECT_EQ(canvas.at(125, 40), kRedPixel) << "later nodes still draw";
   EXPECT_EQ(canvas.at(175, 40), kBluePixel);
