@@ -63,6 +63,16 @@ PangoContext* sharedContext() {
 
 double points(int pangoUnits) { return static_cast<double>(pangoUnits) / PANGO_SCALE; }
 
+// Digits are set in the cells of a "0": a counting score keeps its width, and texts that differ only
+// in their digits share one layout, laid out once, with the digits' glyphs swapped in when drawn.
+std::string digitsAsZeros(std::string_view text) {
+  std::string cells(text);
+  for (char& c : cells) {
+    if (c >= '0' && c <= '9') c = '0';
+  }
+  return cells;
+}
+
 PangoAlignment pangoAlignment(HorizontalAlignment alignment) {
   switch (alignment) {
     case HorizontalAlignment::left: return PANGO_ALIGN_LEFT;
@@ -73,16 +83,6 @@ PangoAlignment pangoAlignment(HorizontalAlignment alignment) {
 }
 
 }  // namespace
-
-// Digits are set in the cells of a "0": a counting score keeps its width, and texts that differ only
-// in their digits share one layout, laid out once, with the digits' glyphs swapped in when drawn.
-std::string digitsAsZeros(std::string_view text) {
-  std::string cells(text);
-  for (char& c : cells) {
-    if (c >= '0' && c <= '9') c = '0';
-  }
-  return cells;
-}
 
 // One pango layout of a text, shared by every label showing that text or one differing from it only
 // in its digits, with its extent in pango's own frame: x to the right and y down from the top.
