@@ -160,7 +160,6 @@ SlidingRect slidingOf(const ShapeNode& shape, const cairo_matrix_t& toDevice, co
   return {slide.value(), placed.minX(), placed.minY(), placed.maxX(), placed.maxY(), reach * scale + kAntialiasPixels};
 }
 
-
 void appendPath(cairo_t* cr, const Path& path) {
   cairo_new_path(cr);
   for (const Path::Element& e : path.elements()) {
