@@ -42,12 +42,14 @@ xdotool windowactivate --sync "$window" 2>/dev/null || xdotool windowfocus --syn
 [ "$wm" = none ] || timeout 10 sh -c "until xprop -id $window WM_STATE | grep -q Normal; do sleep 0.1; done"
 sleep 0.5
 xdotool key --delay 0 $(yes alt+Return | head -n "$presses")
-# Wait until the geometry holds for a second, then print it, close the window from outside and print
-# the exit status and the number of X errors the game reported.
+# Wait until the geometry holds for three seconds (on a loaded machine the game can stall for over a
+# second in mid-burst), then print it, close the window from outside and print the exit status and the
+# number of X errors the game reported.
 geometry() { xwininfo -id "$window" | awk '/Width:|Height:/ { printf "%s ", $2 }'; }
-previous=""; tries=0
-while [ $tries -lt 30 ]; do
-  sleep 0.5; now=$(geometry); [ "$now" = "$previous" ] && sleep 0.5 && [ "$(geometry)" = "$now" ] && break
+previous=""; held=0; tries=0
+while [ $held -lt 6 ] && [ $tries -lt 60 ]; do
+  sleep 0.5; now=$(geometry)
+  if [ "$now" = "$previous" ]; then held=$((held + 1)); else held=0; fi
   previous=$now; tries=$((tries + 1))
 done
 xdotool windowclose "$window"
