@@ -40,7 +40,7 @@ struct DrawItem {
   cairo_matrix_t toScene;
 };
 
-// Damage boxes beyond this many are merged: each box costs a clip rectangle and an upload of its own.
+// Damage boxes beyond this many are merged: each box costs a pass over the items and an upload of its own.
 constexpr std::size_t kMaxDamageRects = 32;
 
 // Reused from frame to frame, so collecting the draw list allocates only when the scene grows.
