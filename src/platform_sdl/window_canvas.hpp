@@ -3,7 +3,6 @@
 // the renderer redraws only what changed into pixels that keep the previous frame, and only those
 // boxes travel on.
 #include <filesystem>
-#include <memory>
 #include <string>
 
 #include "platform/present_path.hpp"
@@ -17,9 +16,7 @@ class View;
 
 class WindowCanvas {
  public:
-  // The path ZINDLEBOP_PRESENT asks for, else GL on a hardware driver, else the framebuffer. Nothing
-  // when the window can be drawn on neither way; `error` then says why.
-  static std::unique_ptr<WindowCanvas> create(SDL_Window* window, std::string& error);
+  // Opened by openWindowCanvas (canvas_factory.hpp), which chooses the path.
   virtual ~WindowCanvas() = default;
 
   virtual PresentPath path() const = 0;

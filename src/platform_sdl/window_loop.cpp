@@ -87,10 +87,11 @@ class WindowHost final : public FrameLoopHost {
 
 }  // namespace
 
-FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options) {
+FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options,
+                            SdlGamepads* gamepads) {
   FramePacer pacer(canvas.syncToDisplay());
   pacer.setSpeed(options.gameSpeed);
-  WindowHost host(view, window, canvas, pacer, options.gamepads);
+  WindowHost host(view, window, canvas, pacer, gamepads);
   host.renderer().setTracksDamage(options.tracksDamage);
   return runFrames(view, pacer, host, options);
 }

@@ -5,10 +5,13 @@
 
 namespace zb {
 
+class SdlGamepads;
 class SdlWindow;
 class WindowCanvas;
 
-// Runs until the window is closed or SDL is asked to quit (or the frame limit is reached).
-FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options);
+// Runs until the window is closed or SDL is asked to quit (or the frame limit is reached). Gamepad
+// events go to `gamepads`; without them pads are not watched.
+FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas, const FrameLoopOptions& options,
+                            SdlGamepads* gamepads = nullptr);
 
 }  // namespace zb

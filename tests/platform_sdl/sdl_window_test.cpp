@@ -9,7 +9,7 @@
 
 #include "engine/notification_center.hpp"
 #include "platform_sdl/sdl_view.hpp"
-#include "platform_sdl/window_canvas.hpp"
+#include "platform_sdl/canvas_factory.hpp"
 #include "platform_sdl/window_loop.hpp"
 
 namespace zb {
@@ -43,7 +43,7 @@ TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindows
   }
   // Without a window manager no event may come for a change of size, and with one a size may be refused:
   // either way the scene must fill the window it is actually shown in.
-  auto canvas = WindowCanvas::create(window->handle(), error);
+  auto canvas = openWindowCanvas(window->handle(), error);
   ASSERT_NE(canvas, nullptr) << error;
   SdlView view(window->sizeInPoints(), window.get(), nullptr);
   SDL_SetWindowSize(window->handle(), 640, 480);
