@@ -231,11 +231,10 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
 }
 
 StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
-                       std::vector<Stamp>& stamps) {
+                       std::vector<Stamp>& stamps, std::vector<LabelGlyph>& glyphs) {
   StampedItem item{&label, stamps.size(), 0, {}};
   const Color color = times(label.fontColor, alpha);
   if (color.a > 0) {
-    thread_local std::vector<LabelGlyph> glyphs;
     labelGlyphs(label, glyphs);
     for (const LabelGlyph& g : glyphs) {
       // Glyphs are drawn y down from their origin.

@@ -18,6 +18,7 @@
 #include "engine/color.hpp"
 #include "engine/geometry.hpp"
 #include "render/damage_region.hpp"
+#include "render/pango_text.hpp"
 
 namespace zb {
 
@@ -76,11 +77,12 @@ struct StampedItem {
 };
 
 // `toDevice` maps the node's own coordinates to the frame's pixels, `alpha` is its accumulated
-// opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`.
+// opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`; a label lists
+// its glyphs in `glyphs`, reused from label to label.
 StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
                        std::vector<Stamp>& stamps);
 StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
-                       std::vector<Stamp>& stamps);
+                       std::vector<Stamp>& stamps, std::vector<LabelGlyph>& glyphs);
 
 // Draws a stamp's mask into `cr`, whose target is a clear A8 image of the stamp's mask box size.
 void rasterizeStamp(cairo_t* cr, const StampedItem& item, const Stamp& stamp);

@@ -212,9 +212,10 @@ std::vector<SharedLayout::Run> runsOf(PangoLayout* layout) {
 
 }  // namespace
 
+// Each label keeps its own layout; this keeps the layouts that labels showing the same text share.
 class LabelLayoutCache {
  public:
-  static const LabelLayout& of(const LabelNode& label) {
+  const LabelLayout& of(const LabelNode& label) {
     std::shared_ptr<LaidOutText>& slot = label.laidOutText();
     const auto* cached = dynamic_cast<const LabelLayout*>(slot.get());
     if (!cached || cached->revision != label.layoutRevision() || cached->alignment != label.horizontalAlignment) {
@@ -234,19 +235,14 @@ class LabelLayoutCache {
  private:
   // The layout of the label's text with its digits as zeros, when it can show the real digits;
   // otherwise one of the text itself.
-  static std::shared_ptr<const SharedLayout> sharedLayout(const LabelNode& label) {
+  std::shared_ptr<const SharedLayout> sharedLayout(const LabelNode& label) {
     const std::string cells = digitsAsZeros(label.text());
     std::shared_ptr<const SharedLayout> layout = kept(label, cells);
     if (cells == label.text() || layout->swapsDigits) return layout;
     return kept(label, label.text());
   }
 
-  static std::shared_ptr<const SharedLayout> kept(const LabelNode& label, const std::string& text) {
-    struct Kept {
-      std::string key;
-      std::shared_ptr<const SharedLayout> layout;
-    };
-    thread_local std::vector<Kept> layouts;  // most recently used last
+  std::shared_ptr<const SharedLayout> kept(const LabelNode& label, const std::string& text) {
     std::string key = text;
     key.push_back('\0');
     key += label.fontName();
@@ -254,14 +250,14 @@ class LabelLayoutCache {
       key.append(reinterpret_cast<const char*>(&number), sizeof number);
     }
     key += std::to_string(label.numberOfLines()) + "/" + std::to_string(static_cast<int>(label.horizontalAlignment));
-    const auto found = std::find_if(layouts.begin(), layouts.end(), [&](const Kept& k) { return k.key == key; });
-    if (found != layouts.end()) {
-      std::rotate(found, found + 1, layouts.end());
-      return layouts.back().layout;
+    const auto found = std::find_if(layouts_.begin(), layouts_.end(), [&](const Kept& k) { return k.key == key; });
+    if (found != layouts_.end()) {
+      std::rotate(found, found + 1, layouts_.end());
+      return layouts_.back().layout;
     }
-    if (layouts.size() >= kKeptLayouts) layouts.erase(layouts.begin());
-    layouts.push_back({std::move(key), build(label, text)});
-    return layouts.back().layout;
+    if (layouts_.size() >= kKeptLayouts) layouts_.erase(layouts_.begin());
+    layouts_.push_back({std::move(key), build(label, text)});
+    return layouts_.back().layout;
   }
 
   static std::shared_ptr<const SharedLayout> build(const LabelNode& label, const std::string& text) {
@@ -318,34 +314,49 @@ class LabelLayoutCache {
     std::string kept(pango_layout_get_text(layout), static_cast<std::size_t>(last->start_index + last->length));
     pango_layout_set_text(layout, kept.data(), static_cast<int>(kept.size()));
   }
+
+  struct Kept {
+    std::string key;
+    std::shared_ptr<const SharedLayout> layout;
+  };
+  std::vector<Kept> layouts_;  // most recently used last
 };
 
 namespace {
 
+// The text backend. Labels are measured (by the engine, through the installed measurer) and drawn (by
+// every renderer) from the same layouts, so the one backend keeps them.
 class PangoMeasurer final : public TextMeasurer {
  public:
   std::optional<Rect> measure(const LabelNode& label) const override {
-    const LabelLayout& l = LabelLayoutCache::of(label);
+    const LabelLayout& l = layouts_.of(label);
     if (l.empty) return std::nullopt;
     Point origin = l.origin();
     const Rect& logical = l.shared->logical;
     // Pango's y runs down from the layout's top, which sits at the baseline's height above the position.
     return Rect::make(origin.x + logical.minX(), origin.y - logical.maxY(), logical.width(), logical.height());
   }
+  LabelLayoutCache& layouts() const { return layouts_; }
+
+ private:
+  // Measuring is const to the engine, yet lays text out and keeps the layouts for drawing.
+  mutable LabelLayoutCache layouts_;
 };
+
+PangoMeasurer& pangoText() {
+  static PangoMeasurer text;
+  return text;
+}
 
 }  // namespace
 
 // Fonts are set up on the first layout, not here, so that a program that never shows text never
 // starts fontconfig.
-void installPangoText() {
-  static const PangoMeasurer measurer;
-  installTextMeasurer(&measurer);
-}
+void installPangoText() { installTextMeasurer(&pangoText()); }
 
 void labelGlyphs(const LabelNode& label, std::vector<LabelGlyph>& glyphs) {
   glyphs.clear();
-  const LabelLayout& l = LabelLayoutCache::of(label);
+  const LabelLayout& l = pangoText().layouts().of(label);
   if (l.empty) return;
   const SharedLayout& shared = *l.shared;
   const Point origin = l.origin();

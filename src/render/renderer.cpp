@@ -43,9 +43,6 @@ struct DrawItem {
 // Damage boxes beyond this many are merged: each box costs a pass over the items and an upload of its own.
 constexpr std::size_t kMaxDamageRects = 32;
 
-// Reused from frame to frame, so collecting the draw list allocates only when the scene grows.
-thread_local std::vector<DrawItem> tDrawList;
-
 cairo_matrix_t placementOf(const Node& node) {
   if (node.zRotation == 0) return {node.xScale, 0, 0, node.yScale, node.position.x, node.position.y};
   const double c = std::cos(node.zRotation);
@@ -117,8 +114,7 @@ void setTextIfChanged(LabelNode& label, const std::string& text) {
 
 // The counters sit in the lower-right corner on a dark backdrop, frame rate on the bottom line, over
 // everything else: their items go at the end of the list. Nothing when neither counter is on.
-void appendCounters(const View& view, double framesPerSecond, std::vector<DrawItem>& items) {
-  thread_local Counters counters;
+void appendCounters(const View& view, double framesPerSecond, Counters& counters, std::vector<DrawItem>& items) {
   std::array<LabelNode*, 2> lines{};
   std::size_t lineCount = 0;
   if (view.showsFPS) {
@@ -214,7 +210,15 @@ bool operator==(const pixman_color_t& a, const pixman_color_t& b) {
 
 }  // namespace
 
-Renderer::Renderer() : masks_(kMaskBudgetBytes) {}
+// What the renderer reuses from frame to frame, so that a frame allocates only when the scene grows.
+struct Renderer::Scratch {
+  std::vector<DrawItem> drawList;
+  Counters counters;
+  std::vector<LabelGlyph> glyphs;
+};
+
+// The budget is set from each frame's size before its masks are looked up.
+Renderer::Renderer() : masks_(0), scratch_(std::make_unique<Scratch>()) {}
 
 Renderer::~Renderer() {
   for (const auto& [color, image] : solids_) pixman_image_unref(image);
@@ -239,10 +243,12 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
   cairo_matrix_t sceneToDevice;
   cairo_matrix_init_scale(&sceneToDevice, pixelScale, -pixelScale);
   sceneToDevice.y0 = view.size().height * pixelScale;
-  std::vector<DrawItem>& items = tDrawList;
+  std::vector<DrawItem>& items = scratch_->drawList;
   items.clear();
   if (view.scene() != nullptr) sortDrawables(*view.scene(), items);
-  if (view.showsFPS || view.showsNodeCount) appendCounters(view, framesPerSecond, items);
+  if (view.showsFPS || view.showsNodeCount) appendCounters(view, framesPerSecond, scratch_->counters, items);
+  masks_.setBudget(static_cast<std::size_t>(target.width) * static_cast<std::size_t>(target.height) *
+                   kMaskBytesPerPixel);
 
   const PixelRect frame{0, 0, target.width, target.height};
   items_.clear();
@@ -253,7 +259,8 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
     cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
     items_.push_back(item.kind == DrawKind::shape
                          ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame, stamps_)
-                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_));
+                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_,
+                                      scratch_->glyphs));
   }
   stampMasks_.resize(stamps_.size(), nullptr);
 }

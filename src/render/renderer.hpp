@@ -8,6 +8,7 @@
 // the frame can differ from the previous one, over that previous frame, with exactly the pixels a
 // full redraw would give.
 #include <filesystem>
+#include <memory>
 #include <vector>
 
 #include "engine/view.hpp"
@@ -55,9 +56,11 @@ class Renderer {
   PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
 
  private:
-  // Masks beyond this many bytes are let go, least recently used first: enough for every item of a
-  // running game at the places within a pixel where it keeps coming back.
-  static constexpr std::size_t kMaskBudgetBytes = std::size_t{2} << 20;
+  // Masks beyond this many bytes per pixel of the frame are let go, least recently used first. A mask
+  // is one byte a pixel and its item's size grows with the frame, so the budget grows with the frame's
+  // area; four bytes a pixel (2 MiB at the 960 x 540 window) holds every item of a running game at the
+  // few places within a pixel where it keeps coming back.
+  static constexpr std::size_t kMaskBytesPerPixel = 4;
   static constexpr std::size_t kKeptColors = 32;
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
@@ -70,7 +73,10 @@ class Renderer {
   // A source of one colour for pixman, kept for the next frames: a palette has a handful of colours.
   pixman_image_t* solidOf(const Color& color);
 
+  struct Scratch;
+
   StampCache masks_;
+  std::unique_ptr<Scratch> scratch_;
   bool tracksDamage_ = true;
   bool hasPrevious_ = false;
   uint64_t previousBackdrop_ = 0;

@@ -27,6 +27,8 @@ class StampCache {
   // three quarters of it, but never one this frame used.
   void endFrame();
   void clear();
+  // The budget from now on; a smaller one takes effect at the end of the frame.
+  void setBudget(std::size_t bytes) { budget_ = bytes; }
 
   std::size_t bytes() const { return bytes_; }
   uint64_t hits() const { return hits_; }
