@@ -1,6 +1,7 @@
 #include "render/item_stamps.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <optional>
@@ -29,7 +30,9 @@ constexpr int64_t kWholeMaskPixels = 512 * 512;
 constexpr int kWholeMaskSide = 4096;
 
 // Tags that keep the kinds of key apart.
-enum class KeyKind : uint64_t { fill = 1, stroke, glyph, shapeRecord, labelRecord, slide };
+enum class KeyKind : uint64_t { fill = 1, stroke, glyph, shapeRecord, labelRecord, slide, solid };
+// A side this close to a pixel edge is on it: cairo rounds outlines to 1/256 of a pixel first.
+constexpr double kOnPixelEdge = 1e-6;
 
 AffineTransform affineOf(const cairo_matrix_t& m) { return {m.xx, m.yx, m.xy, m.yy, m.x0, m.y0}; }
 
@@ -145,6 +148,28 @@ bool isUprightRectangle(const Path& path, const cairo_matrix_t& toDevice) {
   return e[3].point.x == e[0].point.x || e[3].point.y == e[0].point.y;
 }
 
+// The pixels an upright rectangle covers whole when, placed as its mask would be, all its sides lie on
+// pixel edges; nothing otherwise.
+std::optional<PixelRect> wholePixelRectangle(const Path& path, const cairo_matrix_t& toDevice) {
+  if (!isUprightRectangle(path, toDevice)) return std::nullopt;
+  const Snapped x = snapToSubpixel(toDevice.x0, kSubpixelSteps);
+  const Snapped y = snapToSubpixel(toDevice.y0, kSubpixelSteps);
+  cairo_matrix_t phased = toDevice;
+  phased.x0 = x.fraction;
+  phased.y0 = y.fraction;
+  const std::optional<Rect> placed = path.boundingBox(affineOf(phased));
+  if (!placed) return std::nullopt;
+  std::array<int, 4> edges{};
+  const std::array<double, 4> sides{placed->minX() + x.whole, placed->minY() + y.whole, placed->maxX() + x.whole,
+                                    placed->maxY() + y.whole};
+  for (std::size_t i = 0; i < sides.size(); ++i) {
+    const double edge = std::round(sides[i]);
+    if (!(std::abs(sides[i] - edge) <= kOnPixelEdge) || !(std::abs(edge) < kFarPixels)) return std::nullopt;
+    edges[i] = static_cast<int>(edge);
+  }
+  return PixelRect{edges[0], edges[1], edges[2] - edges[0], edges[3] - edges[1]};
+}
+
 // The same look without the place: a scrolling building differs from its last frame only near its sides.
 SlidingRect slidingOf(const ShapeNode& shape, const cairo_matrix_t& toDevice, const Stamp* stamps, std::size_t count,
                       uint64_t outline, double reach) {
@@ -213,7 +238,12 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
     if (bounds) bounds = bounds->insetBy(-reach, -reach);
     const Placement placement = place(toDevice, bounds, frame);
     const uint64_t outline = pathLook(shape.path);
-    if (fills) {
+    const std::optional<PixelRect> solid = fills ? wholePixelRectangle(shape.path, toDevice) : std::nullopt;
+    if (solid) {
+      const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::solid)).add(*solid).value();
+      const PixelRect box = solid->intersection(frame);
+      stamps.push_back({StampLayer::solid, key, fill, box, box, {}});
+    } else if (fills) {
       const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline).add(placement.key).value();
       stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.maskBox, placement.toMask});
     }

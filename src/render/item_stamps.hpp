@@ -54,7 +54,8 @@ class LookHash {
   uint64_t hash_ = 0x27D4EB2F165667C5ULL;
 };
 
-enum class StampLayer : uint8_t { fill, stroke, glyph };
+// A solid stamp needs no mask: it covers every pixel of its box whole (see stampShape).
+enum class StampLayer : uint8_t { fill, stroke, glyph, solid };
 
 // One mask composited in one colour at one place.
 struct Stamp {
@@ -76,6 +77,9 @@ struct StampedItem {
   DrawRecord record;  // the box of all its stamps and a fingerprint of every pixel they paint
 };
 
+// An upright rectangle whose sides fall on pixel edges is filled with a solid stamp, without a mask:
+// its mask would be wholly on inside and off outside, so a plain fill paints the same pixels for
+// nothing (a window-sized dimming rectangle would be a window-sized mask).
 // `toDevice` maps the node's own coordinates to the frame's pixels, `alpha` is its accumulated
 // opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`; a label lists
 // its glyphs in `glyphs`, reused from label to label.

@@ -196,6 +196,7 @@ void paintBackground(pixman_image_t* target, const Scene* scene) {
 }
 
 // Composites the part of a stamp inside `area` into `areaPixels`, an image of that area's pixels.
+// Without a mask the stamp covers every pixel of its box whole.
 void composite(pixman_image_t* areaPixels, const PixelRect& area, pixman_image_t* mask, pixman_image_t* color,
                const Stamp& stamp) {
   const PixelRect part = stamp.box.intersection(area);
@@ -304,11 +305,16 @@ void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelR
     for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
       const Stamp& stamp = stamps_[i];
       if (!stamp.box.intersects(box)) continue;
+      pixman_image_t* color = solidOf(stamp.color);
+      if (color == nullptr) continue;
+      if (stamp.layer == StampLayer::solid) {
+        composite(pixels, box, nullptr, color, stamp);
+        continue;
+      }
       // A stamp met by several boxes looks its mask up once.
       pixman_image_t*& mask = stampMasks_[i];
       if (mask == nullptr) mask = maskOf(item, stamp);
-      pixman_image_t* color = solidOf(stamp.color);
-      if (mask != nullptr && color != nullptr) composite(pixels, box, mask, color, stamp);
+      if (mask != nullptr) composite(pixels, box, mask, color, stamp);
     }
   }
   pixman_image_unref(pixels);

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <vector>
 
 #include "engine/label_node.hpp"
 #include "engine/scene.hpp"
@@ -145,6 +146,38 @@ TEST_F(RendererTest, StrokesCapsTranslucentFillsAndLabelColoursAndAtScaleTwoEver
   const int inside = hiDpi.count(edge(frame.minX()), edge(frame.minY()), edge(frame.maxX()), edge(frame.maxY()));
   EXPECT_GT(inside, 100);
   EXPECT_EQ(hiDpi.count(240, 0, 400, 200), inside);
+}
+
+// A dimming rectangle over the whole window is filled without a window-sized mask, to the very
+// pixels a mask would give; the same outline traced with one more corner point still takes masks.
+TEST_F(RendererTest, AnUprightRectangleOnWholePixelsTakesNoMaskAndPaintsWhatAMaskWould) {
+  const auto draw = [&](const Path& dimming, Renderer& renderer) {
+    scene->removeAllChildren();
+    scene->addChild(square({100, 50}, 30, kBlue));
+    auto dim = ShapeNode::withPath(dimming);
+    dim->fillColor = Color::rgba(0, 0, 0, 0.4);
+    dim->strokeColor = Color::clear();
+    scene->addChild(dim);
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 200, 100);
+    cairo_t* cr = cairo_create(surface);
+    renderer.draw(cr, view, 1, 0);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface);
+    const auto* data = cairo_image_surface_get_data(surface);
+    std::vector<unsigned char> pixels(data, data + cairo_image_surface_get_stride(surface) * 100);
+    cairo_surface_destroy(surface);
+    return pixels;
+  };
+  Path traced;
+  traced.moveTo({0, 0});
+  for (Point corner : {Point{100, 0}, Point{200, 0}, Point{200, 100}, Point{0, 100}}) traced.lineTo(corner);
+  traced.closeSubpath();
+
+  Renderer filling, masking;
+  const std::vector<unsigned char> filled = draw(Path::rect(Rect::make(0, 0, 200, 100)), filling);
+  EXPECT_EQ(filling.masks().bytes(), 0u);
+  EXPECT_TRUE(filled == draw(traced, masking)) << "a plain fill and a mask paint different pixels";
+  EXPECT_GT(masking.masks().bytes(), 0u);
 }
 
 TEST_F(RendererTest, CountersShowInTheLowerRightCornerOnlyWhenAskedFor) {
