@@ -70,6 +70,13 @@ Snapped snapToSubpixel(double v, double steps) {
   return {static_cast<int>(whole), fraction};
 }
 
+// The part of a mask's key that its place decides: the turn and scale, the place within a pixel, and
+// the mask's box relative to the item's whole-pixel place.
+uint64_t maskPlaceKey(const cairo_matrix_t& phased, const Snapped& x, const Snapped& y, const PixelRect& local) {
+  return LookHash().add(phased.xx).add(phased.yx).add(phased.xy).add(phased.yy).add(x.fraction).add(y.fraction)
+      .add(local).value();
+}
+
 // Where an item with these bounds (in its own coordinates) lands: its box on the frame, the matrix
 // into its masks and the part of the masks' key that the placement decides.
 struct Placement {
@@ -98,8 +105,7 @@ Placement place(const cairo_matrix_t& toDevice, const std::optional<Rect>& bound
   Placement p{phased, box, maskBox, 0};
   p.toMask.x0 -= local.x;
   p.toMask.y0 -= local.y;
-  p.key = LookHash().add(phased.xx).add(phased.yx).add(phased.xy).add(phased.yy).add(x.fraction).add(y.fraction)
-              .add(local).value();
+  p.key = maskPlaceKey(phased, x, y, local);
   return p;
 }
 
@@ -148,26 +154,64 @@ bool isUprightRectangle(const Path& path, const cairo_matrix_t& toDevice) {
   return e[3].point.x == e[0].point.x || e[3].point.y == e[0].point.y;
 }
 
-// The pixels an upright rectangle covers whole when, placed as its mask would be, all its sides lie on
-// pixel edges; nothing otherwise.
-std::optional<PixelRect> wholePixelRectangle(const Path& path, const cairo_matrix_t& toDevice) {
-  if (!isUprightRectangle(path, toDevice)) return std::nullopt;
+// An upright rectangle's fill, placed as its mask would be: the pixels it covers whole take a solid
+// stamp, and only the pixels its sides cross take masks, thin ones along the sides. False when the
+// shape is no upright rectangle, or lies within one pixel column or row.
+bool stampUprightFill(const Path& path, const cairo_matrix_t& toDevice, const Color& fill, uint64_t outline,
+                      const PixelRect& frame, std::vector<Stamp>& stamps) {
+  if (!isUprightRectangle(path, toDevice)) return false;
   const Snapped x = snapToSubpixel(toDevice.x0, kSubpixelSteps);
   const Snapped y = snapToSubpixel(toDevice.y0, kSubpixelSteps);
   cairo_matrix_t phased = toDevice;
   phased.x0 = x.fraction;
   phased.y0 = y.fraction;
   const std::optional<Rect> placed = path.boundingBox(affineOf(phased));
-  if (!placed) return std::nullopt;
-  std::array<int, 4> edges{};
-  const std::array<double, 4> sides{placed->minX() + x.whole, placed->minY() + y.whole, placed->maxX() + x.whole,
-                                    placed->maxY() + y.whole};
+  if (!placed) return false;
+  // Each side between the pixel edges just inside and just outside it (one edge when it lies on one),
+  // relative to the item's whole-pixel place: left, top, right, bottom.
+  const std::array<double, 4> sides{placed->minX(), placed->minY(), placed->maxX(), placed->maxY()};
+  std::array<int, 4> inner{}, outer{};
   for (std::size_t i = 0; i < sides.size(); ++i) {
-    const double edge = std::round(sides[i]);
-    if (!(std::abs(sides[i] - edge) <= kOnPixelEdge) || !(std::abs(edge) < kFarPixels)) return std::nullopt;
-    edges[i] = static_cast<int>(edge);
+    if (!(std::abs(sides[i]) < kFarPixels)) return false;
+    const double nearest = std::round(sides[i]);
+    const double side = std::abs(sides[i] - nearest) <= kOnPixelEdge ? nearest : sides[i];
+    const bool leftOrTop = i < 2;
+    inner[i] = static_cast<int>(leftOrTop ? std::ceil(side) : std::floor(side));
+    outer[i] = static_cast<int>(leftOrTop ? std::floor(side) : std::ceil(side));
   }
-  return PixelRect{edges[0], edges[1], edges[2] - edges[0], edges[3] - edges[1]};
+  if (inner[0] > inner[2] || inner[1] > inner[3]) return false;
+  const auto local = [](int left, int top, int right, int bottom) {
+    return PixelRect{left, top, right - left, bottom - top};
+  };
+  const auto onFrame = [&](const PixelRect& r) { return PixelRect{r.x + x.whole, r.y + y.whole, r.width, r.height}; };
+
+  const PixelRect inside = onFrame(local(inner[0], inner[1], inner[2], inner[3]));
+  if (const PixelRect box = inside.intersection(frame); !box.isEmpty()) {
+    stamps.push_back({StampLayer::solid, LookHash().add(static_cast<uint64_t>(KeyKind::solid)).add(inside).value(),
+                      fill, box, box, {}});
+  }
+  // Columns the full height at the left and right sides, rows between them at the top and bottom: the
+  // side pixels once each.
+  const std::array<PixelRect, 4> strips{local(outer[0], outer[1], inner[0], outer[3]),
+                                        local(inner[2], outer[1], outer[2], outer[3]),
+                                        local(inner[0], outer[1], inner[2], inner[1]),
+                                        local(inner[0], inner[3], inner[2], outer[3])};
+  for (const PixelRect& strip : strips) {
+    const PixelRect whole = onFrame(strip);
+    const PixelRect box = whole.intersection(frame);
+    if (box.isEmpty()) continue;
+    const bool small = whole.area() <= kWholeMaskPixels && whole.width <= kWholeMaskSide && whole.height <= kWholeMaskSide;
+    const PixelRect maskBox = small ? whole : box;
+    const PixelRect maskLocal{maskBox.x - x.whole, maskBox.y - y.whole, maskBox.width, maskBox.height};
+    cairo_matrix_t toMask = phased;
+    toMask.x0 -= maskLocal.x;
+    toMask.y0 -= maskLocal.y;
+    // Keyed as any fill's mask of that box: the same outline rasterized into the same pixels.
+    const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline)
+                             .add(maskPlaceKey(phased, x, y, maskLocal)).value();
+    stamps.push_back({StampLayer::fill, key, fill, box, maskBox, toMask});
+  }
+  return true;
 }
 
 // The same look without the place: a scrolling building differs from its last frame only near its sides.
@@ -238,12 +282,7 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
     if (bounds) bounds = bounds->insetBy(-reach, -reach);
     const Placement placement = place(toDevice, bounds, frame);
     const uint64_t outline = pathLook(shape.path);
-    const std::optional<PixelRect> solid = fills ? wholePixelRectangle(shape.path, toDevice) : std::nullopt;
-    if (solid) {
-      const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::solid)).add(*solid).value();
-      const PixelRect box = solid->intersection(frame);
-      stamps.push_back({StampLayer::solid, key, fill, box, box, {}});
-    } else if (fills) {
+    if (fills && !stampUprightFill(shape.path, toDevice, fill, outline, frame, stamps)) {
       const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline).add(placement.key).value();
       stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.maskBox, placement.toMask});
     }

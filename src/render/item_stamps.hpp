@@ -77,9 +77,10 @@ struct StampedItem {
   DrawRecord record;  // the box of all its stamps and a fingerprint of every pixel they paint
 };
 
-// An upright rectangle whose sides fall on pixel edges is filled with a solid stamp, without a mask:
-// its mask would be wholly on inside and off outside, so a plain fill paints the same pixels for
-// nothing (a window-sized dimming rectangle would be a window-sized mask).
+// An upright rectangle's fill takes a solid stamp, without a mask, for the pixels it covers whole, and
+// masks only along its sides where they cross pixels: its mask would be wholly on inside, so a plain
+// fill paints the same pixels there for nothing (a window-sized dimming rectangle would be a
+// window-sized mask).
 // `toDevice` maps the node's own coordinates to the frame's pixels, `alpha` is its accumulated
 // opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`; a label lists
 // its glyphs in `glyphs`, reused from label to label.

@@ -148,16 +148,18 @@ TEST_F(RendererTest, StrokesCapsTranslucentFillsAndLabelColoursAndAtScaleTwoEver
   EXPECT_EQ(hiDpi.count(240, 0, 400, 200), inside);
 }
 
-// A dimming rectangle over the whole window is filled without a window-sized mask, to the very
-// pixels a mask would give; the same outline traced with one more corner point still takes masks.
-TEST_F(RendererTest, AnUprightRectangleOnWholePixelsTakesNoMaskAndPaintsWhatAMaskWould) {
-  const auto draw = [&](const Path& dimming, Renderer& renderer) {
+// Upright rectangles are filled without masks over their insides, to the very pixels masks would
+// give: none at all for a dimming rectangle over the whole window, thin ones along the sides of one
+// off the pixel grid. The same outlines traced with one more corner point take whole masks.
+TEST_F(RendererTest, UprightRectanglesTakeMasksOnlyAlongSidesOffThePixelGridAndPaintWhatMasksWould) {
+  const auto draw = [&](const Path& offGrid, const Path& dimming, Renderer& renderer) {
     scene->removeAllChildren();
-    scene->addChild(square({100, 50}, 30, kBlue));
-    auto dim = ShapeNode::withPath(dimming);
-    dim->fillColor = Color::rgba(0, 0, 0, 0.4);
-    dim->strokeColor = Color::clear();
-    scene->addChild(dim);
+    for (const auto& [path, color] : {std::pair{offGrid, kBlue}, std::pair{dimming, Color::rgba(0, 0, 0, 0.4)}}) {
+      auto shape = ShapeNode::withPath(path);
+      shape->fillColor = color;
+      shape->strokeColor = Color::clear();
+      scene->addChild(shape);
+    }
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 200, 100);
     cairo_t* cr = cairo_create(surface);
     renderer.draw(cr, view, 1, 0);
@@ -168,16 +170,26 @@ TEST_F(RendererTest, AnUprightRectangleOnWholePixelsTakesNoMaskAndPaintsWhatAMas
     cairo_surface_destroy(surface);
     return pixels;
   };
-  Path traced;
-  traced.moveTo({0, 0});
-  for (Point corner : {Point{100, 0}, Point{200, 0}, Point{200, 100}, Point{0, 100}}) traced.lineTo(corner);
-  traced.closeSubpath();
+  const auto traced = [](const Rect& r) {
+    Path path;
+    path.moveTo({r.minX(), r.minY()});
+    for (Point corner : {Point{r.midX(), r.minY()}, Point{r.maxX(), r.minY()}, Point{r.maxX(), r.maxY()},
+                         Point{r.minX(), r.maxY()}}) {
+      path.lineTo(corner);
+    }
+    path.closeSubpath();
+    return path;
+  };
+  const Rect window = Rect::make(0, 0, 200, 100);
+  const Rect offGrid = Rect::make(10.25, 10.5, 150.5, 70.75);
 
-  Renderer filling, masking;
-  const std::vector<unsigned char> filled = draw(Path::rect(Rect::make(0, 0, 200, 100)), filling);
-  EXPECT_EQ(filling.masks().bytes(), 0u);
-  EXPECT_TRUE(filled == draw(traced, masking)) << "a plain fill and a mask paint different pixels";
-  EXPECT_GT(masking.masks().bytes(), 0u);
+  Renderer masking, dimming, filling;
+  const std::vector<unsigned char> masked = draw(traced(offGrid), traced(window), masking);
+  EXPECT_TRUE(draw(traced(offGrid), Path::rect(window), dimming) == masked) << "a plain fill paints other pixels";
+  // A mask is a byte a pixel.
+  EXPECT_GE(masking.masks().bytes() - dimming.masks().bytes(), window.width() * window.height());
+  EXPECT_TRUE(draw(Path::rect(offGrid), Path::rect(window), filling) == masked) << "side masks paint other pixels";
+  EXPECT_LT(filling.masks().bytes(), dimming.masks().bytes() / 4) << "masks only along the sides";
 }
 
 TEST_F(RendererTest, CountersShowInTheLowerRightCornerOnlyWhenAskedFor) {
