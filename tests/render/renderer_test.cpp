@@ -187,7 +187,8 @@ TEST_F(RendererTest, UprightRectanglesTakeMasksOnlyAlongSidesOffThePixelGridAndP
   const std::vector<unsigned char> masked = draw(traced(offGrid), traced(window), masking);
   EXPECT_TRUE(draw(traced(offGrid), Path::rect(window), dimming) == masked) << "a plain fill paints other pixels";
   // A mask is a byte a pixel.
-  EXPECT_GE(masking.masks().bytes() - dimming.masks().bytes(), window.width() * window.height());
+  const auto windowPixels = static_cast<std::size_t>(window.width() * window.height());
+  EXPECT_GE(masking.masks().bytes() - dimming.masks().bytes(), windowPixels);
   EXPECT_TRUE(draw(Path::rect(offGrid), Path::rect(window), filling) == masked) << "side masks paint other pixels";
   EXPECT_LT(filling.masks().bytes(), dimming.masks().bytes() / 4) << "masks only along the sides";
 }
