@@ -293,7 +293,8 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
       stamps.push_back({StampLayer::stroke, key.value(), stroke, placement.box, placement.maskBox, placement.toMask});
     }
     item.stampCount = stamps.size() - item.firstStamp;
-    item.record.sliding = slidingOf(shape, toDevice, &stamps[item.firstStamp], item.stampCount, outline, reach);
+    // An upright rectangle wholly off the frame may leave no stamps at all.
+    item.record.sliding = slidingOf(shape, toDevice, stamps.data() + item.firstStamp, item.stampCount, outline, reach);
   }
   recordStamps(item, KeyKind::shapeRecord, stamps);
   return item;
