@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "platform/pango_text.hpp"
+#include "render/pango_text.hpp"
 
 namespace zb::bench {
 

@@ -13,7 +13,7 @@
 #include <string_view>
 
 #include "plain_cairo_frame.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 #include "scene_in_play.hpp"
 
 namespace {

@@ -9,7 +9,7 @@
 
 #include "frame_stats.hpp"
 #include "plain_cairo_frame.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 #include "scene_in_play.hpp"
 
 namespace zb::bench {

@@ -1,7 +1,7 @@
 #include "scene_in_play.hpp"
 
 #include "engine/input_event.hpp"
-#include "platform/pango_text.hpp"
+#include "render/pango_text.hpp"
 
 namespace zb::bench {
 

@@ -4,7 +4,7 @@ file(READ "${PNG}" bytes HEX)
 string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${bytes}")
 string(REGEX REPLACE "((0x..,){16})" "\\1\n" bytes "${bytes}")
 file(WRITE "${OUTPUT}" "// Made at build time from the icon source; not to be edited.
-#include \"platform/window_identity.hpp\"
+#include \"platform_sdl/window_identity.hpp\"
 
 namespace zb {
 

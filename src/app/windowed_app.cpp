@@ -9,15 +9,15 @@
 #include "app/startup_report.hpp"
 #include "engine/random.hpp"
 #include "platform/desktop_motion.hpp"
-#include "platform/gamepads.hpp"
-#include "platform/pango_text.hpp"
-#include "platform/window_loop.hpp"
-#include "platform/mixer_sound.hpp"
+#include "platform_sdl/gamepads.hpp"
+#include "render/pango_text.hpp"
+#include "platform_sdl/window_loop.hpp"
+#include "platform_sdl/mixer_sound.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
-#include "platform/sdl_view.hpp"
-#include "platform/sdl_window.hpp"
-#include "platform/window_canvas.hpp"
+#include "platform_sdl/sdl_view.hpp"
+#include "platform_sdl/sdl_window.hpp"
+#include "platform_sdl/canvas_factory.hpp"
 #include "player/autoplay.hpp"
 #include "scene/game_scene.hpp"
 
@@ -64,7 +64,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   std::string error;
   std::unique_ptr<SdlWindow> window = SdlWindow::open(options.size.value_or(SdlWindow::kDefaultSize), options.fullScreen, error);
   if (!window) return failWith("cannot open a window", error);
-  std::unique_ptr<WindowCanvas> canvas = WindowCanvas::create(window->handle(), error);
+  std::unique_ptr<WindowCanvas> canvas = openWindowCanvas(window->handle(), error);
   if (!canvas) return failWith("cannot draw into the window", error);
   window->watchNativeWindow();
   SDL_StopTextInput();  // keys only; no input-method popups over the game
@@ -89,7 +89,6 @@ int runWindowedGame(const CommandLineOptions& options) {
   FrameLoopOptions loopOptions;
   loopOptions.frameLimit = options.frameLimit;
   loopOptions.gameSpeed = scene->comfortOptions().gameSpeed;
-  loopOptions.gamepads = &gamepads;
   if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
   loopOptions.tracksDamage = damageTrackingWanted();
   // The built-in player presses its keys before each step, as in the headless driver's autoplay.
@@ -106,7 +105,7 @@ int runWindowedGame(const CommandLineOptions& options) {
       }
     };
   }
-  const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions);
+  const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions, &gamepads);
   int status = 0;
   if (options.screenshotFile && !canvas->writeScreenshot(*options.screenshotFile)) {
     std::fprintf(stderr, "zindlebop: cannot write the screenshot '%s'\n", options.screenshotFile->c_str());

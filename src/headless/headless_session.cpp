@@ -2,7 +2,7 @@
 
 #include "headless/dump_state.hpp"
 #include "headless/error_quote.hpp"
-#include "platform/pango_text.hpp"
+#include "render/pango_text.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
 

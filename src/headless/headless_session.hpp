@@ -10,7 +10,7 @@
 #include "headless/headless_driver.hpp"
 #include "headless/script_command.hpp"
 #include "headless/virtual_view.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {

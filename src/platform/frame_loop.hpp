@@ -9,7 +9,6 @@ namespace zb {
 
 class View;
 class FramePacer;
-class SdlGamepads;
 
 struct FrameLoopOptions {
   // Stop after this many frames (a frame is one pass that steps the simulation); none means until the
@@ -23,8 +22,6 @@ struct FrameLoopOptions {
   bool tracksDamage = true;
   // Simulation steps per second are 60 x this (0.5 to 1); each step is still 1/60 s of game time.
   double gameSpeed = 1.0;
-  // Where gamepad events go; none means pads are not watched.
-  SdlGamepads* gamepads = nullptr;
 };
 
 // What a run of the loop did, for the frame report.

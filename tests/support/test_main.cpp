@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/pango_text.hpp"
+#include "render/pango_text.hpp"
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);

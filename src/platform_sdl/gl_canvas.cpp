@@ -1,0 +1,133 @@
+#include "platform_sdl/gl_canvas.hpp"
+
+#include <SDL.h>
+#include <cairo.h>
+
+#include <cstring>
+#include <vector>
+
+#include "platform_sdl/foreign_allocations.hpp"
+#include "render/renderer.hpp"
+
+namespace zb {
+
+namespace {
+
+constexpr int kVsyncRateLow = 59;  // 59.94 Hz panels report 59 or 60
+constexpr int kVsyncRateHigh = 61;
+constexpr unsigned kGlRenderer = 0x1F01;  // GL_RENDERER, without pulling in the GL headers
+
+bool refreshesAt60Hz(SDL_Window* window) {
+  SDL_DisplayMode mode;
+  const int display = SDL_GetWindowDisplayIndex(window);
+  if (display < 0 || SDL_GetCurrentDisplayMode(display, &mode) != 0) return false;
+  return mode.refresh_rate >= kVsyncRateLow && mode.refresh_rate <= kVsyncRateHigh;
+}
+
+// The driver's own name for the device, from the context SDL's renderer made current; empty when SDL
+// renders without GL.
+std::string glRendererString() {
+  using GetString = const unsigned char* (*)(unsigned);
+  auto getString = reinterpret_cast<GetString>(SDL_GL_GetProcAddress("glGetString"));
+  if (SDL_GL_GetCurrentContext() == nullptr || getString == nullptr) return {};
+  const unsigned char* name = getString(kGlRenderer);
+  return name != nullptr ? reinterpret_cast<const char*>(name) : std::string();
+}
+
+}  // namespace
+
+std::unique_ptr<WindowCanvas> GlCanvas::create(SDL_Window* window, bool hardwareOnly, std::string& error) {
+  ForeignAllocations drivers;
+  SDL_Renderer* renderer = SDL_CreateRenderer(window, -1, SDL_RENDERER_ACCELERATED | SDL_RENDERER_PRESENTVSYNC);
+  if (renderer == nullptr) {
+    error = SDL_GetError();
+    return nullptr;
+  }
+  SDL_RendererInfo info;
+  SDL_GetRendererInfo(renderer, &info);
+  const std::string device = glRendererString();
+  if (hardwareOnly && isSoftwareGlRenderer(device)) {
+    SDL_DestroyRenderer(renderer);
+    error = "the GL driver '" + device + "' draws on the processor";
+    return nullptr;
+  }
+  const std::string description = std::string("gl (") + info.name + ", " + (device.empty() ? "?" : device) + ")";
+  return std::unique_ptr<WindowCanvas>(new GlCanvas(window, renderer, description));
+}
+
+GlCanvas::~GlCanvas() {
+  if (image_ != nullptr) cairo_surface_destroy(image_);
+  if (texture_ != nullptr) SDL_DestroyTexture(texture_);
+  SDL_DestroyRenderer(renderer_);
+}
+
+bool GlCanvas::syncToDisplay() {
+  // Vsync stays on everywhere; only at 60 Hz is the vertical blank also the step clock. Faster
+  // displays present more often than steps fall due, and the loop then draws only after a step.
+  SDL_RenderSetVSync(renderer_, 1);
+  return refreshesAt60Hz(window_);
+}
+
+bool GlCanvas::fitDrawable(int width, int height) {
+  if (texture_ != nullptr && image_ != nullptr && width == cairo_image_surface_get_width(image_) &&
+      height == cairo_image_surface_get_height(image_)) {
+    return true;
+  }
+  if (image_ != nullptr) cairo_surface_destroy(image_);
+  if (texture_ != nullptr) SDL_DestroyTexture(texture_);
+  image_ = nullptr;
+  kept_ = false;
+  // Both are 32-bit native-endian pixels with the top byte unused, so the image uploads as it is.
+  texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, width, height);
+  if (texture_ == nullptr) return false;
+  image_ = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  if (cairo_surface_status(image_) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(image_);
+    image_ = nullptr;
+    return false;
+  }
+  return true;
+}
+
+bool GlCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerSecond) {
+  int width = 0, height = 0;
+  if (SDL_GetRendererOutputSize(renderer_, &width, &height) != 0 || width <= 0 || height <= 0) return false;
+  if (!fitDrawable(width, height)) return false;
+  cairo_t* cr = cairo_create(image_);
+  const std::vector<PixelRect>& boxes =
+      renderer.drawChanges(cr, {width, height}, view, pixelScaleOf(window_, width), framesPerSecond, kept_);
+  cairo_destroy(cr);
+  cairo_surface_flush(image_);
+  kept_ = true;
+  const unsigned char* data = cairo_image_surface_get_data(image_);
+  const int stride = cairo_image_surface_get_stride(image_);
+  for (const PixelRect& box : boxes) {
+    const SDL_Rect rect{box.x, box.y, box.width, box.height};
+    SDL_UpdateTexture(texture_, &rect, data + box.y * stride + box.x * 4, stride);
+  }
+  // The back buffer's old contents are undefined after a swap, so the whole texture is drawn each time;
+  // on the graphics card that costs next to nothing.
+  SDL_RenderCopy(renderer_, texture_, nullptr, nullptr);
+  SDL_RenderPresent(renderer_);
+  return true;
+}
+
+bool GlCanvas::writeScreenshot(const std::filesystem::path& file) {
+  int width = 0, height = 0;
+  if (texture_ == nullptr || SDL_GetRendererOutputSize(renderer_, &width, &height) != 0) return false;
+  // Draw the frame once more into the back buffer and read it from there: what the window would show.
+  SDL_RenderCopy(renderer_, texture_, nullptr, nullptr);
+  cairo_surface_t* shot = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+  bool ok = cairo_surface_status(shot) == CAIRO_STATUS_SUCCESS;
+  if (ok) {
+    cairo_surface_flush(shot);
+    ok = SDL_RenderReadPixels(renderer_, nullptr, SDL_PIXELFORMAT_RGB888, cairo_image_surface_get_data(shot),
+                              cairo_image_surface_get_stride(shot)) == 0;
+    cairo_surface_mark_dirty(shot);
+  }
+  ok = ok && cairo_surface_write_to_png(shot, file.c_str()) == CAIRO_STATUS_SUCCESS;
+  cairo_surface_destroy(shot);
+  return ok;
+}
+
+}  // namespace zb

@@ -1,0 +1,138 @@
+// The comfort options as a player meets them: window focus through SDL's own window events, reduced
+// motion at a crash, remapped keys from the preferences file, and the slower game through the pacer.
+#include <SDL.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <tuple>
+
+#include "engine/input_event.hpp"
+#include "engine/key_names.hpp"
+#include "platform/frame_pacer.hpp"
+#include "platform_sdl/sdl_events.hpp"
+#include "scene/scene_fixture.hpp"
+
+namespace zb {
+namespace {
+
+using State = GameScene::GameState;
+
+// Puts the game in `state` by the player's own keys.
+void reach(test::AttachedScene& game, State state) {
+  if (state == State::settings) game->openSettings();
+  if (state == State::menu || state == State::settings) return;
+  game.press(keycode::space);
+  if (state == State::gameOver) game.runUntilCrash();
+  game.sounds();
+}
+
+// Through SDL's queue and the window's event code, as the frame loop hands them over.
+void windowEvent(test::AttachedScene& game, SDL_WindowEventID what) {
+  SDL_Event event{};
+  event.type = SDL_WINDOWEVENT;
+  event.window.event = static_cast<Uint8>(what);
+  SDL_PushEvent(&event);
+  while (SDL_PollEvent(&event) != 0) dispatchEvent(event, *game.view);
+}
+
+TEST(WindowEvents, LookingAwayMidRunPausesSilentlyAndComingBackDoesNotResume) {
+  ASSERT_EQ(SDL_Init(SDL_INIT_EVENTS), 0) << SDL_GetError();
+  for (SDL_WindowEventID away : {SDL_WINDOWEVENT_FOCUS_LOST, SDL_WINDOWEVENT_MINIMIZED}) {
+    test::AttachedScene game;
+    reach(game, State::playing);
+    windowEvent(game, away);
+    EXPECT_EQ(game->gameState, State::paused) << away;
+    EXPECT_TRUE(game.sounds().empty());
+    windowEvent(game, SDL_WINDOWEVENT_FOCUS_GAINED);
+    windowEvent(game, SDL_WINDOWEVENT_RESTORED);
+    EXPECT_EQ(game->gameState, State::paused) << away;
+  }
+  // In every other state, or with the option off, nothing happens.
+  for (auto [state, pauseOnFocusLoss] :
+       {std::pair{State::menu, true}, {State::settings, true}, {State::gameOver, true}, {State::playing, false}}) {
+    test::SceneOptions options;
+    options.preferences->setBool(pauseOnFocusLoss, "zindlebop_pauseOnFocusLoss");
+    test::AttachedScene game(options);
+    reach(game, state);
+    windowEvent(game, SDL_WINDOWEVENT_FOCUS_LOST);
+    EXPECT_EQ(game->gameState, state);
+  }
+  SDL_Quit();
+}
+
+// How far the interface strays sideways in the frames after a crash.
+double interfaceSwayAfterCrash(test::AttachedScene& game) {
+  reach(game, State::gameOver);
+  double sway = 0;
+  for (int i = 0; i < 10; ++i) {
+    game.step();
+    sway = std::max(sway, std::abs(game->uiLayer->position.x));
+  }
+  return sway;
+}
+
+TEST(ReducedMotion, OnlyTheInterfaceShakeAtACrashGoesAndTheStoreWinsOverTheDesktop) {
+  test::AttachedScene shaking;
+  EXPECT_GT(interfaceSwayAfterCrash(shaking), 0);
+  test::SceneOptions options;
+  options.preferences->setBool(true, "zindlebop_reducedMotion");
+  test::AttachedScene still(options);
+  EXPECT_EQ(interfaceSwayAfterCrash(still), 0);
+  EXPECT_EQ(still->gameState, State::gameOver) << "the rest of the crash is as before";
+
+  MemoryPreferences store;
+  EXPECT_TRUE(readComfortOptions(store, true).reducedMotion) << "with nothing stored, the desktop decides";
+  store.setBool(false, "zindlebop_reducedMotion");
+  EXPECT_FALSE(readComfortOptions(store, true).reducedMotion) << "the store wins over the desktop";
+}
+
+TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
+  test::SceneOptions options;
+  options.preferences->setObject("zindlebop_keys_jump", std::string("w  Up return"));
+  options.preferences->setObject("zindlebop_keys_duck", std::string("s"));
+  options.preferences->setObject("zindlebop_keys_pause", std::string("q bogus"));
+  options.preferences->setObject("zindlebop_keys_leave", std::string("nonsense"));
+  testing::internal::CaptureStderr();
+  test::AttachedScene game(options);
+  const std::string complaint = testing::internal::GetCapturedStderr();
+  EXPECT_THAT(complaint, testing::ContainsRegex("'bogus'.*'nonsense'"));
+  EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
+
+  game.press(keycode::space);
+  EXPECT_EQ(game->gameState, State::menu) << "Space no longer jumps";
+  game.press(*keyCodeForName("w"));
+  EXPECT_EQ(game->gameState, State::playing);
+  game.press(*keyCodeForName("s"));
+  EXPECT_TRUE(game->isDucking);
+  game.press(*keyCodeForName("q"));
+  EXPECT_EQ(game->gameState, State::paused);
+  game.press(keycode::returnKey);  // a jump key now: resumes as Space would
+  EXPECT_EQ(game->gameState, State::playing);
+  game.press(keycode::returnKey, kOptionModifierFlag);
+  EXPECT_TRUE(game.fullScreen()) << "Alt+Return stays the full-screen key";
+  game.press(keycode::escape);  // no known leave key: Escape stays
+  EXPECT_EQ(game->gameState, State::menu);
+}
+
+TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
+  for (const auto& [speed, hz, vsync] : {std::tuple{0.5, 144.0, false}, {0.75, 60.0, true}}) {
+    FramePacer pacer(vsync);
+    pacer.setSpeed(speed);
+    double now = 50;
+    pacer.stepsDue(now);
+    int steps = 0;
+    for (int frame = 0; frame < hz * 10; ++frame) {
+      now += 1 / hz;
+      const int due = pacer.stepsDue(now);
+      EXPECT_LE(due, 1) << "a slower game never needs to catch up at a steady frame rate";
+      steps += due;
+    }
+    EXPECT_NEAR(steps, 60 * speed * 10, 1) << speed << " at " << hz << " Hz";
+  }
+}
+
+}  // namespace
+}  // namespace zb

@@ -1,0 +1,110 @@
+// Drawing only what changed must give, on every frame, exactly the pixels of a full redraw.
+#include <gtest/gtest.h>
+#include <cairo.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <sstream>
+
+#include "headless/headless_session.hpp"
+#include "render/renderer.hpp"
+
+namespace zb::test {
+namespace {
+
+using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
+
+Surface image(PixelSize size) {
+  return {cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height), cairo_surface_destroy};
+}
+
+// Pixels that differ between two images of one size, ignoring the unused fourth byte.
+int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
+  cairo_surface_flush(a);
+  cairo_surface_flush(b);
+  const auto* pa = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(a));
+  const auto* pb = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(b));
+  const int64_t size = int64_t{cairo_image_surface_get_stride(a)} / 4 * cairo_image_surface_get_height(a);
+  int64_t count = 0;
+  for (int64_t i = 0; i < size; ++i) count += (pa[i] & 0xffffff) != (pb[i] & 0xffffff);
+  return count;
+}
+
+// Each frame drawn twice: only its changes over the kept previous frame, as in the window, and whole.
+struct TrackedRun {
+  std::ostringstream out;
+  HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
+  Renderer tracked, full;
+  Surface kept{nullptr, cairo_surface_destroy};
+  double pixelScale = 1;
+  int64_t framesWithDiff = 0;
+
+  // Returns the share of the picture that was redrawn.
+  double drawAndCompare(uint64_t frame) {
+    const Size size = session.view().size();
+    const PixelSize pixels{static_cast<int>(size.width * pixelScale), static_cast<int>(size.height * pixelScale)};
+    const bool stillThere = kept && cairo_image_surface_get_width(kept.get()) == pixels.width &&
+                            cairo_image_surface_get_height(kept.get()) == pixels.height;
+    if (!stillThere) kept = image(pixels);
+    const Surface reference = image(pixels);
+    cairo_t* cr = cairo_create(kept.get());
+    const auto& damage = tracked.drawChanges(cr, pixels, session.view(), pixelScale, 60, stillThere);
+    cairo_destroy(cr);
+    cr = cairo_create(reference.get());
+    full.draw(cr, session.view(), pixelScale, 60);
+    cairo_destroy(cr);
+    const int64_t differing = differingPixels(kept.get(), reference.get());
+    if (differing != 0 && ++framesWithDiff <= 5) ADD_FAILURE() << "frame " << frame << ": " << differing << " differ";
+    int64_t drawn = 0;
+    for (const PixelRect& r : damage) drawn += r.area();
+    return static_cast<double>(drawn) / (int64_t{pixels.width} * pixels.height);
+  }
+};
+
+TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedrawsNothing) {
+  TrackedRun run;
+  run.session.run(LaunchCommand{});
+  for (uint64_t frame = 0; frame < 3; ++frame) run.drawAndCompare(frame);
+  EXPECT_EQ(run.drawAndCompare(3), 0) << "a still frame redraws nothing";
+  GameScene& scene = *run.session.scene();
+  scene.paletteChangePoints = 15;  // many palette changes in a short run
+  // Things a player does at a given frame, beyond what the built-in player does on its own.
+  const std::map<uint64_t, std::function<void()>> events = {
+      {400, [&] { run.session.run(ResizeCommand{Size{640, 300}}); }},
+      {700, [&] { scene.pauseGame(); }},
+      {760, [&] { scene.resumeGame(); }},
+      {1500, [&] { run.session.run(ResizeCommand{Size{480, 270}}); }},
+      {1800, [&] { scene.openSettings(); }},
+      {1830, [&] { scene.toggleShowFPS(); }},
+      {1870, [&] { run.pixelScale = 2; }},  // moved to a dense display
+      {1930, [&] { scene.showMenu(); }},
+      {1960, [&] { run.pixelScale = 1; }},
+  };
+  // Runs ending (the shake, the dots), birds or dots leaving, and palette changes.
+  int crashes = 0, departures = 0, paletteChanges = 0;
+  double redrawn = 0;
+  for (uint64_t frame = 0; frame < 4000; ++frame) {
+    if (const auto event = events.find(frame); event != events.end()) event->second();
+    const bool wasOver = scene.gameState == GameScene::GameState::gameOver;
+    const std::size_t children = scene.children().size();
+    const int64_t palette = scene.currentPaletteIndex;
+    // Now and then the player looks away, so that runs end in a crash.
+    const bool handsOff = (frame >= 2200 && frame < 2600) || (frame >= 3000 && frame < 3400);
+    run.session.run(handsOff ? ScriptCommand{StepCommand{1}} : ScriptCommand{AutoplayCommand{1}});
+    crashes += !wasOver && scene.gameState == GameScene::GameState::gameOver;
+    departures += scene.children().size() < children;
+    paletteChanges += scene.currentPaletteIndex != palette;
+    redrawn += run.drawAndCompare(frame);
+  }
+  EXPECT_EQ(run.framesWithDiff, 0);
+  EXPECT_GE(crashes, 2) << "the run must see the shake";
+  EXPECT_GE(departures, 3) << "the run must see birds and dots leave";
+  EXPECT_GE(paletteChanges, 2);
+  EXPECT_LT(redrawn, 4000 / 3) << "far less than the whole picture is redrawn";
+  run.tracked.setTracksDamage(false);
+  EXPECT_EQ(run.drawAndCompare(4000), 1) << "with tracking off everything is redrawn";
+}
+
+}  // namespace
+}  // namespace zb::test
