@@ -13,6 +13,7 @@ constexpr std::pair<std::string_view, uint16_t> kNamedKeys[] = {
     {"space", keycode::space},       {"return", keycode::returnKey}, {"enter", keycode::keypadEnter},
     {"escape", keycode::escape},     {"down", keycode::downArrow},   {"up", keycode::upArrow},
     {"left", keycode::leftArrow},    {"right", keycode::rightArrow},
+    {"tab", keycode::tab},
 };
 
 }  // namespace

@@ -360,6 +360,12 @@ static void writeComfortState(JsonWriter& json, const DumpInput& input) {
   json.field("gamepads", input.view.gamepads().count());
   json.field("reducedMotion", input.scene.comfortOptions().reducedMotion);
   json.field("gameSpeed", input.scene.comfortOptions().gameSpeed);
+  json.key("focusedButton");
+  if (auto focused = input.scene.focusedButtonName()) {
+    json.value(*focused);
+  } else {
+    json.null();
+  }
 }
 
 void writeDump(std::ostream& out, const DumpInput& input) {
