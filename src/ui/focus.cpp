@@ -3,7 +3,8 @@
 // focus shows only once the player navigates, so a player who never does sees the page as ever.
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <optional>
+#include <utility>
 
 #include "engine/path.hpp"
 #include "scene/game_scene.hpp"
@@ -22,8 +23,6 @@ constexpr double kMarkZ = 140;        // above every page and the HUD: it only o
 constexpr double kRepeatDelay = 0.4;
 constexpr double kRepeatInterval = 0.1;
 
-// A move sideways of the asked direction counts this much more than a move along it.
-constexpr double kSidewaysWeight = 2;
 
 double linearChannel(double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); }
 
@@ -44,10 +43,9 @@ Color blended(Color under, Color over) {
                      under.b * (1 - a) + over.b * a, 1);
 }
 
-Point centre(const LabelNode& button) {
-  const Rect frame = button.frame();
-  return {frame.midX(), frame.midY()};
-}
+// The middle of the text across, its baseline up: buttons of one row share the baseline whatever
+// their glyphs.
+Point centre(const LabelNode& button) { return {button.frame().midX(), button.position.y}; }
 
 // Top to bottom, then left to right, as the page is read.
 bool readsBefore(const LabelNode* a, const LabelNode* b) {
@@ -57,12 +55,15 @@ bool readsBefore(const LabelNode* a, const LabelNode* b) {
   return pa.x < pb.x;
 }
 
-// How far `to` lies from `from` in the direction (dx, dy); nothing if it is not that way at all.
-std::optional<double> distanceTowards(Point from, Point to, double dx, double dy) {
+// How far `to` lies from `from` in the direction (dx, dy), as the pages are rows of buttons: up and
+// down go to the nearest row that way, then to the nearest button in it; left and right stay in the
+// row if they can, then go to the nearest button. Nothing if `to` is not that way at all.
+std::optional<std::pair<double, double>> reachTowards(Point from, Point to, double dx, double dy) {
   const double along = (to.x - from.x) * dx + (to.y - from.y) * dy;
   if (along <= 0) return std::nullopt;
   const double sideways = std::abs((to.x - from.x) * dy - (to.y - from.y) * dx);
-  return along + kSidewaysWeight * sideways;
+  if (dx != 0) return std::pair{sideways, along};
+  return std::pair{along, sideways};
 }
 
 bool repeatsWhenHeld(const std::string& name) { return name == "btn_vol_down" || name == "btn_vol_up"; }
@@ -119,11 +120,11 @@ void GameScene::moveFocus(FocusMove move) {
   if (target == nullptr) {
     const double dx = move == FocusMove::left ? -1 : move == FocusMove::right ? 1 : 0;
     const double dy = move == FocusMove::down ? -1 : move == FocusMove::up ? 1 : 0;
-    double best = std::numeric_limits<double>::infinity();
+    std::optional<std::pair<double, double>> best;
     for (LabelNode* candidate : buttons) {
-      const auto distance = distanceTowards(centre(*current), centre(*candidate), dx, dy);
-      if (distance && *distance < best) {
-        best = *distance;
+      const auto reach = reachTowards(centre(*current), centre(*candidate), dx, dy);
+      if (reach && (!best || *reach < *best)) {
+        best = reach;
         target = candidate;
       }
     }
