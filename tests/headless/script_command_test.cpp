@@ -22,6 +22,7 @@ TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
   EXPECT_EQ(parsed<AutoplayCommand>("autoplay 120").frames, 120u);
   EXPECT_EQ(parsed<KeyCommand>("key down return alt").modifierFlags, kOptionModifierFlag);
   EXPECT_EQ(parsed<KeyCommand>("key down tab ctrl shift").modifierFlags, kControlModifierFlag | kShiftModifierFlag);
+  parsed<QuitCommand>("quit");
   EXPECT_FALSE(parsed<KeyCommand>("key up down").down);
   // Names, a digit key, and longer numbers as raw key codes.
   const std::pair<const char*, uint16_t> keys[] = {{"key down space", keycode::space},

@@ -117,6 +117,20 @@ TEST(FocusWalk, APadAloneReachesAndPressesEveryButtonOfEveryPage) {
   EXPECT_EQ(dumps[5]["view"]["fullscreen"], true);
 }
 
+TEST(FocusWalk, ReturnHeldOnMinusRepeatsAfterFourTenthsOfASecondEveryTenthInSceneTime) {
+  Walk walk("key");
+  walk.tap("tab").tap("down").tap("return")  // to the settings page
+      .tap("down").tap("down").tap("down")     // "-"
+      .line("key down return").line("step 23").expect("settings", "btn_vol_down")
+      .line("step 2").expect("settings", "btn_vol_down")
+      .line("step 6").expect("settings", "btn_vol_down")
+      .line("key up return").line("step 30").expect("settings", "btn_vol_down");
+  const std::vector<Json> dumps = walk.run();
+  ASSERT_EQ(dumps.size(), 4u);
+  const double volumes[] = {0.5, 0.4, 0.3, 0.3};
+  for (size_t i = 0; i < dumps.size(); ++i) EXPECT_NEAR(dumps[i]["settingMusicVolume"].get<double>(), volumes[i], 1e-6) << i;
+}
+
 // The window's picture, read back as colours with y up.
 class Picture {
  public:
