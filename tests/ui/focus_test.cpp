@@ -128,7 +128,9 @@ TEST(FocusWalk, ReturnHeldOnMinusRepeatsAfterFourTenthsOfASecondEveryTenthInScen
   const std::vector<Json> dumps = walk.run();
   ASSERT_EQ(dumps.size(), 4u);
   const double volumes[] = {0.5, 0.4, 0.3, 0.3};
-  for (size_t i = 0; i < dumps.size(); ++i) EXPECT_NEAR(dumps[i]["settingMusicVolume"].get<double>(), volumes[i], 1e-6) << i;
+  for (size_t i = 0; i < dumps.size(); ++i) {
+    EXPECT_NEAR(dumps[i]["settingMusicVolume"].get<double>(), volumes[i], 1e-6) << i;
+  }
 }
 
 // The window's picture, read back with y up.
@@ -144,7 +146,8 @@ class Picture {
   }
   uint32_t pixel(int x, int y) const {
     const int perRow = cairo_image_surface_get_stride(surface_.get()) / 4;
-    return reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(surface_.get()))[(height - 1 - y) * perRow + x];
+    const auto* pixels = reinterpret_cast<const uint32_t*>(cairo_image_surface_get_data(surface_.get()));
+    return pixels[(height - 1 - y) * perRow + x];
   }
   Color at(int x, int y) const {
     const uint32_t p = pixel(x, y);
