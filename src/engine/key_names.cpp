@@ -1,6 +1,5 @@
 #include "engine/key_names.hpp"
 
-#include <charconv>
 #include <utility>
 
 #include "engine/input_event.hpp"
@@ -13,6 +12,7 @@ constexpr std::pair<std::string_view, uint16_t> kNamedKeys[] = {
     {"space", keycode::space},       {"return", keycode::returnKey}, {"enter", keycode::keypadEnter},
     {"escape", keycode::escape},     {"down", keycode::downArrow},   {"up", keycode::upArrow},
     {"left", keycode::leftArrow},    {"right", keycode::rightArrow},
+    {"tab", keycode::tab},
 };
 
 }  // namespace
@@ -28,14 +28,6 @@ std::optional<uint16_t> keyCodeForName(std::string_view name) {
     if (keyName == name) return code;
   }
   return std::nullopt;
-}
-
-std::optional<uint16_t> keyCodeForNameOrNumber(std::string_view name) {
-  if (auto code = keyCodeForName(name)) return code;
-  uint16_t number = 0;
-  auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-  if (error != std::errc() || end != name.data() + name.size()) return std::nullopt;
-  return number;
 }
 
 }  // namespace zb

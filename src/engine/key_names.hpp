@@ -18,11 +18,8 @@ inline constexpr std::array<uint16_t, 26> kLetterKeyCodes = {
 // Virtual codes of the digit row, 0 to 9.
 inline constexpr std::array<uint16_t, 10> kDigitKeyCodes = {29, 18, 19, 20, 21, 23, 22, 26, 28, 25};
 
-// The virtual code for a key name: "space", "p", "return", "enter" (keypad), "escape", "down", "up",
-// "left", "right", a letter "a"-"z" or a digit "0"-"9". Nothing for any other name.
+// The virtual code for a key name: "space", "p", "return", "enter" (keypad), "escape", "tab", "down",
+// "up", "left", "right", a letter "a"-"z" or a digit "0"-"9". Nothing for any other name.
 std::optional<uint16_t> keyCodeForName(std::string_view name);
-
-// A key name as above, or a decimal key code from 0 to 65535 for keys without a name.
-std::optional<uint16_t> keyCodeForNameOrNumber(std::string_view name);
 
 }  // namespace zb

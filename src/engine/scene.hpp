@@ -55,6 +55,7 @@ class Scene : public Node {
   virtual void keyDown(const KeyEvent& event);
   virtual void keyUp(const KeyEvent& event);
   virtual void mouseDown(const MouseEvent& event);
+  virtual void mouseMoved() {}
   // From the playing gamepad only; a removal of that pad comes after the releases of what it held.
   virtual void gamepadButtonDown(GamepadButton /*button*/) {}
   virtual void gamepadButtonUp(GamepadButton /*button*/) {}

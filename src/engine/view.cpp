@@ -58,6 +58,11 @@ void View::mouseDown(Point locationInView) {
   if (scene_) scene_->mouseDown(MouseEvent{locationInView});
 }
 
+void View::mouseMoved() {
+  if (scene_) scene_->mouseMoved();
+  cursorMoved();
+}
+
 void View::gamepadRemoved(GamepadId id) {
   const bool wasPlaying = gamepads_.playingPad() == id;
   std::optional<GamepadRoster::Leftovers> leftovers = gamepads_.disconnect(id);

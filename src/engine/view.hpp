@@ -50,8 +50,8 @@ class View {
   void keyUp(const KeyEvent& event);
   // `locationInView` is in view points, origin at the lower left; converted to scene coordinates.
   void mouseDown(Point locationInView);
-  // Unhides a cursor that was hidden until the mouse moves.
-  virtual void mouseMoved() {}
+  // Tells the scene, then unhides a cursor that was hidden until the mouse moves.
+  void mouseMoved();
 
   // Gamepads: only the playing pad reaches the scene, and only with news (see GamepadRoster). When
   // the playing pad goes, the scene first hears it let go of everything it held.
@@ -68,6 +68,8 @@ class View {
   virtual Window* window() { return nullptr; }
   virtual void hideCursorUntilMouseMoves() {}
   virtual void unhideCursor() {}
+  // The cursor's part of a mouse move.
+  virtual void cursorMoved() {}
   virtual SoundOutput& soundOutput() { return silent_; }
   NotificationCenter& notificationCenter() { return notifications_; }
 

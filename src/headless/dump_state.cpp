@@ -355,11 +355,18 @@ void writePreferences(JsonWriter& json, Preferences& preferences) {
 
 }  // namespace
 
-// Gamepads and the options of the preferences file that the game is using now.
+// Gamepads, the options of the preferences file that the game is using now, and the button the keys
+// and the pad would press.
 static void writeComfortState(JsonWriter& json, const DumpInput& input) {
   json.field("gamepads", input.view.gamepads().count());
   json.field("reducedMotion", input.scene.comfortOptions().reducedMotion);
   json.field("gameSpeed", input.scene.comfortOptions().gameSpeed);
+  json.key("focusedButton");
+  if (auto focused = input.scene.focusedButtonName()) {
+    json.value(*focused);
+  } else {
+    json.null();
+  }
 }
 
 void writeDump(std::ostream& out, const DumpInput& input) {

@@ -30,6 +30,7 @@ int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostre
       err << "line " << lineNumber << ": " << *failure << std::endl;
       return kExitBadInput;
     }
+    if (session.hasQuit()) break;
   }
   out.flush();
   return kExitOK;

@@ -70,6 +70,13 @@ void HeadlessSession::relaunch() {
   launch();
 }
 
+void HeadlessSession::quit() {
+  // As a window's quit: the scene lets go of the view, and the store has already written every change.
+  if (scene_) view_.dismissScene();
+  scene_.reset();
+  quit_ = true;
+}
+
 void HeadlessSession::ensureLaunched() {
   if (!scene_) launch();
 }
@@ -128,7 +135,12 @@ std::optional<std::string> HeadlessSession::execute(const AutoplayCommand& comma
 
 std::optional<std::string> HeadlessSession::execute(const KeyCommand& command) {
   ensureLaunched();
-  deliverKey(view_, KeyEvent{command.keyCode, command.alt ? kOptionModifierFlag : 0, false}, command.down);
+  const KeyEvent event{command.keyCode, command.modifierFlags, false};
+  if (command.down && isQuitShortcut(event)) {
+    quit();
+    return std::nullopt;
+  }
+  deliverKey(view_, event, command.down);
   return std::nullopt;
 }
 
@@ -194,6 +206,11 @@ std::optional<std::string> HeadlessSession::execute(const PadCommand& command) {
     case PadCommand::Kind::axis: view_.gamepadAxisMoved(*playing, command.axis, command.value); break;
     default: break;
   }
+  return std::nullopt;
+}
+
+std::optional<std::string> HeadlessSession::execute(const QuitCommand&) {
+  quit();
   return std::nullopt;
 }
 

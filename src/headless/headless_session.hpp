@@ -26,6 +26,8 @@ class HeadlessSession {
   GameScene* scene() const { return scene_.get(); }
   VirtualView& view() { return view_; }
   uint64_t frame() const { return frame_; }
+  // After `quit` or Ctrl+Q: the session is over and no further command runs.
+  bool hasQuit() const { return quit_; }
 
   // What the frame-rate counter shows in a screenshot: headless frames are exactly on time.
   static constexpr double kFramesPerSecond = 60;
@@ -33,6 +35,7 @@ class HeadlessSession {
  private:
   void launch();
   void relaunch();
+  void quit();
   void ensureLaunched();
   void step(uint64_t frames);
   void dump();
@@ -53,6 +56,7 @@ class HeadlessSession {
   std::optional<std::string> execute(const ScreenshotCommand&);
   std::optional<std::string> execute(const PadCommand&);
   std::optional<std::string> execute(const FocusCommand&);
+  std::optional<std::string> execute(const QuitCommand&);
 
   std::ostream& out_;
   uint64_t seed_;
@@ -63,6 +67,7 @@ class HeadlessSession {
   Autoplayer autoplayer_;  // the player of `autoplay`, new with every scene
   uint64_t frame_ = 0;
   GamepadId nextPadId_ = 0;  // pads of `pad add`, numbered as they arrive
+  bool quit_ = false;
 };
 
 }  // namespace zb

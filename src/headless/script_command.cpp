@@ -4,6 +4,7 @@
 #include <cmath>
 #include <vector>
 
+#include "engine/input_event.hpp"
 #include "engine/key_names.hpp"
 #include "headless/error_quote.hpp"
 
@@ -128,9 +129,16 @@ ScriptCommand parseKey(Words& words) {
   if (!code) throw BadLine{"key: unknown key " + quoted(name)};
   key.keyCode = *code;
   if (key.down) {
-    if (auto modifier = words.next()) {
-      if (*modifier != "alt") throw BadLine{"key: expected 'alt', not " + quoted(*modifier)};
-      key.alt = true;
+    while (auto modifier = words.next()) {
+      if (*modifier == "alt") {
+        key.modifierFlags |= kOptionModifierFlag;
+      } else if (*modifier == "shift") {
+        key.modifierFlags |= kShiftModifierFlag;
+      } else if (*modifier == "ctrl") {
+        key.modifierFlags |= kControlModifierFlag;
+      } else {
+        throw BadLine{"key: expected 'alt', 'shift' or 'ctrl', not " + quoted(*modifier)};
+      }
     }
   }
   words.finish();
@@ -269,6 +277,7 @@ ScriptCommand parseCommand(Words& words) {
   if (name == "screenshot") return parseScreenshot(words);
   if (name == "pad") return parsePad(words);
   if (name == "focus") return parseFocus(words);
+  if (name == "quit") return parseBare<QuitCommand>(words);
   throw BadLine{"unknown command " + quoted(name)};
 }
 

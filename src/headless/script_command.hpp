@@ -23,7 +23,7 @@ struct AutoplayCommand {
 struct KeyCommand {
   bool down = true;
   uint16_t keyCode = 0;
-  bool alt = false;
+  uint64_t modifierFlags = 0;  // alt, shift and ctrl as the window reports them
 };
 struct ClickCommand {
   Point location;
@@ -52,13 +52,15 @@ struct FocusCommand {
   bool lost = true;
 };
 struct DumpCommand {};
+struct QuitCommand {};
 struct ScreenshotCommand {
   std::string file;
 };
 
 using ScriptCommand = std::variant<LaunchCommand, RelaunchCommand, StepCommand, AutoplayCommand, KeyCommand,
                                    ClickCommand, MoveCommand, ResizeCommand, FullscreenCommand, PrefSetCommand,
-                                   PrefRemoveCommand, DumpCommand, ScreenshotCommand, PadCommand, FocusCommand>;
+                                   PrefRemoveCommand, DumpCommand, ScreenshotCommand, PadCommand, FocusCommand,
+                                   QuitCommand>;
 
 struct ParsedLine {
   std::optional<ScriptCommand> command;  // nothing for a blank or comment line

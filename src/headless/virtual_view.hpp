@@ -37,7 +37,7 @@ class VirtualView final : public View {
 
   void hideCursorUntilMouseMoves() override { cursorHidden_ = true; }
   void unhideCursor() override { cursorHidden_ = false; }
-  void mouseMoved() override { cursorHidden_ = false; }
+  void cursorMoved() override { cursorHidden_ = false; }
   bool cursorHidden() const { return cursorHidden_; }
 
  private:

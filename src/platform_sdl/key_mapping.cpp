@@ -18,7 +18,7 @@ struct ScancodeKey {
   uint16_t code;
 };
 
-constexpr std::array<ScancodeKey, 9> kScancodeKeys = {{
+constexpr std::array<ScancodeKey, 10> kScancodeKeys = {{
     {SDL_SCANCODE_SPACE, keycode::space},
     {SDL_SCANCODE_RETURN, keycode::returnKey},
     {SDL_SCANCODE_KP_ENTER, keycode::keypadEnter},
@@ -27,6 +27,7 @@ constexpr std::array<ScancodeKey, 9> kScancodeKeys = {{
     {SDL_SCANCODE_UP, keycode::upArrow},
     {SDL_SCANCODE_LEFT, keycode::leftArrow},
     {SDL_SCANCODE_RIGHT, keycode::rightArrow},
+    {SDL_SCANCODE_TAB, keycode::tab},
     // The second Return some keyboards have behaves like the main one.
     {SDL_SCANCODE_RETURN2, keycode::returnKey},
 }};
@@ -46,7 +47,11 @@ uint16_t keyCodeForScancode(SDL_Scancode scancode) {
 }
 
 uint64_t modifierFlagsFor(uint16_t sdlKeymod) {
-  return (sdlKeymod & KMOD_ALT) != 0 ? kOptionModifierFlag : 0;
+  uint64_t flags = 0;
+  if ((sdlKeymod & KMOD_ALT) != 0) flags |= kOptionModifierFlag;
+  if ((sdlKeymod & KMOD_SHIFT) != 0) flags |= kShiftModifierFlag;
+  if ((sdlKeymod & KMOD_CTRL) != 0) flags |= kControlModifierFlag;
+  return flags;
 }
 
 }  // namespace zb

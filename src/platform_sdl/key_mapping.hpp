@@ -17,7 +17,7 @@ inline constexpr uint16_t kUnmappedKeyCodeBase = 0x8000;
 // The virtual code of a physical key; unknown keys get kUnmappedKeyCodeBase + scancode.
 uint16_t keyCodeForScancode(SDL_Scancode scancode);
 
-// The modifier flags of a key event: Alt becomes the Option bit.
+// The modifier flags of a key event: Alt becomes the Option bit, Shift and Ctrl their own bits.
 uint64_t modifierFlagsFor(uint16_t sdlKeymod);
 
 // keyCodeForName, for the names scripts use, comes with engine/key_names.hpp.

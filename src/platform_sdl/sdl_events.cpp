@@ -38,9 +38,13 @@ EventOutcome dispatchEvent(const SDL_Event& event, View& view) {
       return EventOutcome::quit;
     case SDL_WINDOWEVENT:
       return dispatchWindowEvent(event.window, view);
-    case SDL_KEYDOWN:
-      view.keyDown(keyEventFor(event.key));
+    case SDL_KEYDOWN: {
+      const KeyEvent key = keyEventFor(event.key);
+      // Quitting by key leaves exactly as a window close does, the store written the same way.
+      if (isQuitShortcut(key)) return EventOutcome::quit;
+      view.keyDown(key);
       break;
+    }
     case SDL_KEYUP:
       view.keyUp(keyEventFor(event.key));
       break;

@@ -16,7 +16,7 @@ void SdlView::unhideCursor() {
   cursorHidden_ = false;
 }
 
-void SdlView::mouseMoved() {
+void SdlView::cursorMoved() {
   if (cursorHidden_) unhideCursor();
 }
 

@@ -14,7 +14,7 @@ class SdlView final : public View {
   Window* window() override { return window_; }
   void hideCursorUntilMouseMoves() override;
   void unhideCursor() override;
-  void mouseMoved() override;
+  void cursorMoved() override;
   SoundOutput& soundOutput() override;
 
   bool isCursorHidden() const { return cursorHidden_; }

@@ -37,11 +37,12 @@ bool isSecondPress(const Body& body) {
 }  // namespace
 
 std::vector<KeyStroke> Autoplayer::play(const GameScene& scene) {
+  readKeys(scene);
   if (scene.gameState != lastState_) {
     lastState_ = scene.gameState;
     framesOnPage_ = 0;
   }
-  release(keycode::space, spaceHeld_);
+  release(jumpKey_, spaceHeld_);
   if (scene.gameState == GameState::playing) {
     playRun(scene);
   } else {
@@ -50,8 +51,17 @@ std::vector<KeyStroke> Autoplayer::play(const GameScene& scene) {
   return std::exchange(strokes_, {});
 }
 
+// The keys the player at this keyboard would press: the ones the preferences gave the actions. A held
+// key is released by the code it was pressed with, even if a new scene remapped it meanwhile.
+void Autoplayer::readKeys(const GameScene& scene) {
+  const ComfortOptions& options = scene.comfortOptions();
+  if (!spaceHeld_) jumpKey_ = options.keyFor(InputAction::jump).value_or(kNoKey);
+  if (!downHeld_) duckKey_ = options.keyFor(InputAction::duck).value_or(kNoKey);
+  leaveKey_ = options.keyFor(InputAction::leave).value_or(kNoKey);
+}
+
 void Autoplayer::leavePage(const GameScene& scene) {
-  release(keycode::downArrow, downHeld_);
+  release(duckKey_, downHeld_);
   bodyKnown_ = false;
   planValid_ = false;
   lateFramesLeft_ = 0;
@@ -59,9 +69,9 @@ void Autoplayer::leavePage(const GameScene& scene) {
   framesOnPage_ = 0;
   // Space does nothing on the settings page; Escape leads back to the menu, where it does.
   if (scene.gameState == GameState::settings) {
-    tap(keycode::escape);
+    tap(leaveKey_);
   } else {
-    press(keycode::space, spaceHeld_);
+    press(jumpKey_, spaceHeld_);
   }
 }
 
@@ -84,11 +94,11 @@ void Autoplayer::playRun(const GameScene& scene) {
   const bool duck = !jump && lateFramesLeft_ == 0 && contains(plan_.ducks, planAge_);
   ++planAge_;
   if (duck) {
-    press(keycode::downArrow, downHeld_);
+    press(duckKey_, downHeld_);
   } else {
-    release(keycode::downArrow, downHeld_);
+    release(duckKey_, downHeld_);
   }
-  if (jump) press(keycode::space, spaceHeld_);
+  if (jump) press(jumpKey_, spaceHeld_);
   stepBody(body_, jump);
 }
 

@@ -31,6 +31,7 @@ class Autoplayer {
   int64_t takeOffs() const { return takeOffs_; }
 
  private:
+  void readKeys(const GameScene& scene);
   void playRun(const GameScene& scene);
   void leavePage(const GameScene& scene);
   void trackBody(const GameScene& scene);
@@ -43,8 +44,13 @@ class Autoplayer {
   std::vector<KeyStroke> strokes_;
   GameScene::GameState lastState_ = GameScene::GameState::menu;
   int64_t framesOnPage_ = 0;
-  bool spaceHeld_ = false;
-  bool downHeld_ = false;
+  bool spaceHeld_ = false;  // the jump key
+  bool downHeld_ = false;   // the duck key
+  // A key that does nothing, for an action the player left without one.
+  static constexpr uint16_t kNoKey = 0xFFFF;
+  uint16_t jumpKey_ = kNoKey;
+  uint16_t duckKey_ = kNoKey;
+  uint16_t leaveKey_ = kNoKey;
 
   // What the player believes of its figure after the coming frame, from its own key presses.
   Body body_;

@@ -38,6 +38,8 @@ void GameScene::showPage(Node* page) {
   }
   dimBackground->hidden = page == nullptr;
   pauseButton->hidden = page != nullptr;
+  // A new page starts without a visible focus, as the first one did.
+  hideFocus();
 }
 
 void GameScene::startGame() {
@@ -134,6 +136,7 @@ void GameScene::pauseGame() {
   gameState = GameState::paused;
   dimBackground->hidden = false;
   pauseOverlay->hidden = false;
+  hideFocus();
   unhideCursor();
   if (settingMusicEnabled) {
     fadeMusic(std::max(settingMusicVolume * kPausedMusicShare, kPausedMusicFloor), kPauseMusicFade);
@@ -147,6 +150,7 @@ void GameScene::resumeGame() {
   gameState = GameState::playing;
   dimBackground->hidden = true;
   pauseOverlay->hidden = true;
+  hideFocus();
   hideCursorUntilMouseMoves();
   if (settingMusicEnabled) fadeMusic(settingMusicVolume, kPauseMusicFade);
 }

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -172,6 +173,7 @@ class GameScene : public Scene {
   void keyDown(const KeyEvent& event) override;
   void keyUp(const KeyEvent& event) override;
   void mouseDown(const MouseEvent& event) override;
+  void mouseMoved() override;
   void gamepadButtonDown(GamepadButton button) override;
   void gamepadButtonUp(GamepadButton button) override;
   void gamepadAxisMoved(GamepadAxis axis, double value) override;
@@ -196,9 +198,27 @@ class GameScene : public Scene {
   void volumeDown();
   void volumeUp();
   void toggleShowFPS();
-  // What Space, Down, P and Escape do, whichever key or gamepad button asked for it.
-  void pressAction(InputAction action);
-  void releaseAction(InputAction action);
+  // What a button does when clicked, by its node name; nothing for a name no button has.
+  void pressButton(const std::string& name);
+  // What Space, Down, P and Escape do, whichever key or gamepad button asked for it. `source` tells the
+  // holders of a duck apart (a key code, or one of the pad sources below), so that a duck held by
+  // several ends only when the last lets go.
+  void pressAction(InputAction action, int source = kNoSource);
+  void releaseAction(InputAction action, int source = kNoSource);
+  static constexpr int kNoSource = -1;
+  static constexpr int kPadButtonSource = 0x10000;  // plus the button's number
+  static constexpr int kStickSource = 0x20000;
+
+  // ---- Focus of keys and pad on the pages (ui/focus.cpp) -----------------------------------------
+  // The focus stays hidden on a page until the first move, and hides again at a mouse move or click.
+  enum class FocusMove : uint8_t { next, previous, up, down, left, right };
+  void moveFocus(FocusMove move);
+  // Presses the focused button as a click on it would; with no focus shown it only shows it.
+  void pressFocusedButton();
+  void stopButtonRepeat();
+  void hideFocus();
+  // The node name of the focused button, or nothing while no focus is shown.
+  std::optional<std::string> focusedButtonName() const;
 
   // ---- Player (gameplay/) ------------------------------------------------------------------------
   void updatePlayer();
@@ -274,6 +294,10 @@ class GameScene : public Scene {
   void playJumpSound();                                  // scene/input.cpp
   void playClickSound();                                 // scene/input.cpp
   std::string buttonNameAt(Point pointInUILayer) const;  // scene/input.cpp
+  std::vector<LabelNode*> focusableButtons() const;      // ui/focus.cpp
+  LabelNode* focusedButton() const;                      // ui/focus.cpp
+  void placeFocusMark();                                 // ui/focus.cpp
+  void repeatHeldButton(double currentTime);             // ui/focus.cpp
   RunnerBody runnerBody() const;                         // gameplay/player_physics.cpp
   bool isPlayerGrounded() const;                         // gameplay/player_physics.cpp
   double currentPlayerHeight() const;                    // gameplay/player_physics.cpp
@@ -285,7 +309,15 @@ class GameScene : public Scene {
 
   GameServices services_;
   ComfortOptions comfort_;
-  bool stickHoldsDuck_ = false;  // the left stick is pushed down far enough to duck
+  std::set<int> duckSources_;  // what holds the duck down now
+  // Where the left stick points, -1, 0 or 1 on each axis: only a crossing of half way counts.
+  int stickX_ = 0;
+  int stickY_ = 0;
+  std::string focusName_;  // the page's focused button, by node name
+  bool focusShown_ = false;
+  ShapeNodePtr focusMark_;  // in uiLayer only while the focus is shown
+  std::string repeatingButton_;  // "-" or "+" held down by Return or A
+  double nextRepeatAt_ = 0;
 };
 
 // Case names as the game's texts and dumps use them ("boxSmall", "menu", ...).

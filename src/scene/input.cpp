@@ -3,6 +3,7 @@
 // nothing itself: it calls the transitions, sets the two fields the physics reads (isDucking, the
 // jump buffer) or changes a setting. Automatic key repeats are ordinary presses on purpose.
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "engine/view.hpp"
@@ -21,6 +22,21 @@ constexpr float kVolumeStep = 0.1f;
 constexpr float kMaxVolume = 1.0f;
 
 bool isButtonName(const std::string& name) { return name.starts_with(kButtonPrefix); }
+
+bool isReturn(uint16_t keyCode) { return keyCode == keycode::returnKey || keyCode == keycode::keypadEnter; }
+
+// Tab and Shift+Tab go through the page in reading order, the arrows to the nearest button their way.
+std::optional<GameScene::FocusMove> focusMoveForKey(const KeyEvent& event) {
+  using Move = GameScene::FocusMove;
+  switch (event.keyCode) {
+    case keycode::tab: return (event.modifierFlags & kShiftModifierFlag) != 0 ? Move::previous : Move::next;
+    case keycode::upArrow: return Move::up;
+    case keycode::downArrow: return Move::down;
+    case keycode::leftArrow: return Move::left;
+    case keycode::rightArrow: return Move::right;
+    default: return std::nullopt;
+  }
+}
 
 // Clicks are routed by button name, first match wins. Restart on the pause page and the frame-rate
 // toggle make no click sound.
@@ -60,18 +76,31 @@ void GameScene::requestJump() {
 void GameScene::keyDown(const KeyEvent& event) {
   const bool alt = (event.modifierFlags & kOptionModifierFlag) != 0;
   // Alt+Return is the full-screen key whatever the player remapped.
-  if (alt && (event.keyCode == keycode::returnKey || event.keyCode == keycode::keypadEnter)) {
+  if (alt && isReturn(event.keyCode)) {
     toggleFullScreen();
     return;
   }
-  if (auto action = comfortOptions().actionForKey(event.keyCode)) pressAction(*action);
+  const std::optional<InputAction> action = comfortOptions().actionForKey(event.keyCode);
+  // On a page the navigation keys move the focus; one the player gave to jump, pause or leave keeps
+  // only that meaning, while Down both ducks (as it always did) and moves.
+  const bool navigates = gameState != GameState::playing && (!action || *action == InputAction::duck);
+  if (navigates) {
+    if (auto move = focusMoveForKey(event)) {
+      moveFocus(*move);
+    } else if (isReturn(event.keyCode) && !event.isRepeat) {
+      // A held Return repeats only "-" and "+", at the game's own pace.
+      pressFocusedButton();
+    }
+  }
+  if (action) pressAction(*action, event.keyCode);
 }
 
 void GameScene::keyUp(const KeyEvent& event) {
-  if (auto action = comfortOptions().actionForKey(event.keyCode)) releaseAction(*action);
+  if (isReturn(event.keyCode)) stopButtonRepeat();
+  if (auto action = comfortOptions().actionForKey(event.keyCode)) releaseAction(*action, event.keyCode);
 }
 
-void GameScene::pressAction(InputAction action) {
+void GameScene::pressAction(InputAction action, int source) {
   switch (action) {
     case InputAction::jump:
       switch (gameState) {
@@ -92,15 +121,21 @@ void GameScene::pressAction(InputAction action) {
     case InputAction::leave:
       if (gameState == GameState::playing || gameState == GameState::settings) showMenu();
       break;
-    case InputAction::duck: isDucking = true; break;
+    case InputAction::duck:
+      duckSources_.insert(source);
+      isDucking = true;
+      break;
   }
 }
 
-void GameScene::releaseAction(InputAction action) {
-  if (action == InputAction::duck) isDucking = false;
+void GameScene::releaseAction(InputAction action, int source) {
+  if (action != InputAction::duck) return;
+  duckSources_.erase(source);
+  if (duckSources_.empty()) isDucking = false;
 }
 
 void GameScene::mouseDown(const MouseEvent& event) {
+  hideFocus();
   handleClick(uiLayer->convertPointFrom(event.locationInScene, *this));
   if (gameState == GameState::playing) requestJump();
 }
@@ -117,8 +152,11 @@ std::string GameScene::buttonNameAt(Point pointInUILayer) const {
   return {};
 }
 
-void GameScene::handleClick(Point pointInUILayer) {
-  const std::string name = buttonNameAt(pointInUILayer);
+void GameScene::mouseMoved() { hideFocus(); }
+
+void GameScene::handleClick(Point pointInUILayer) { pressButton(buttonNameAt(pointInUILayer)); }
+
+void GameScene::pressButton(const std::string& name) {
   for (const ButtonRoute& route : kButtonRoutes) {
     if (name != route.name) continue;
     (this->*route.action)();

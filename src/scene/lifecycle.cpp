@@ -53,7 +53,8 @@ void GameScene::setupScene() {
   if (!backgroundMusicNode) buildMusicNode();
 }
 
-void GameScene::update(double /*currentTime*/) {
+void GameScene::update(double currentTime) {
+  repeatHeldButton(currentTime);
   updatePaletteIfNeeded();
   updateBackground();
   // Rebuilt every frame so the ground always spans the current width.

@@ -42,35 +42,52 @@ std::vector<std::string> splitOnBlanks(const std::string& text) {
   return words;
 }
 
-// The keys stored for an action; nothing when none is stored or none of the names is known, so that an
-// action never ends up without a key.
-std::vector<uint16_t> storedKeys(Preferences& store, std::string_view preferenceKey,
+struct NamedKey {
+  std::string name;
+  uint16_t code;
+};
+
+// The keys stored for an action, by name only: a bare number would be some keyboard's code that the
+// player cannot see, so it is reported with the unknown names.
+std::vector<NamedKey> storedKeys(Preferences& store, std::string_view preferenceKey,
                                  std::vector<std::string>& unknownNames) {
   std::optional<PreferenceValue> value = store.objectForKey(preferenceKey);
   const auto* text = value ? std::get_if<std::string>(&*value) : nullptr;
   if (text == nullptr) return {};
-  std::vector<uint16_t> codes;
+  std::vector<NamedKey> keys;
   for (const std::string& name : splitOnBlanks(*text)) {
-    if (auto code = keyCodeForNameOrNumber(name)) {
-      codes.push_back(*code);
+    if (auto code = keyCodeForName(name)) {
+      keys.push_back({name, *code});
     } else {
       unknownNames.push_back(name);
     }
   }
-  return codes;
+  return keys;
 }
 
-std::map<uint16_t, InputAction> keyActionsFrom(Preferences& store, std::vector<std::string>& unknownNames) {
-  std::map<uint16_t, InputAction> actions;
-  std::vector<std::pair<uint16_t, InputAction>> remapped;
+// A key the player gave to two actions stays with the first of jump, duck, pause and leave. An action
+// left with no key of its own keeps its default, unless the player gave that key to another action.
+std::map<uint16_t, InputAction> keyActionsFrom(Preferences& store, ComfortOptions& options) {
+  std::map<uint16_t, InputAction> chosen;
+  std::vector<const ActionKeys*> withoutKeys;
   for (const ActionKeys& entry : kActionKeys) {
-    std::vector<uint16_t> codes = storedKeys(store, entry.preferenceKey, unknownNames);
-    if (codes.empty()) actions[entry.defaultKey] = entry.action;
-    for (uint16_t code : codes) remapped.emplace_back(code, entry.action);
+    bool hasKey = false;
+    for (const NamedKey& key : storedKeys(store, entry.preferenceKey, options.unknownKeyNames)) {
+      auto [at, added] = chosen.emplace(key.code, entry.action);
+      if (!added && at->second != entry.action) options.keyClashes.push_back({key.name, at->second, entry.action});
+      hasKey = hasKey || at->second == entry.action;
+    }
+    if (!hasKey) withoutKeys.push_back(&entry);
   }
-  // A key the player chose wins over a default that happens to use it.
-  for (const auto& [code, action] : remapped) actions[code] = action;
-  return actions;
+  for (const ActionKeys* entry : withoutKeys) chosen.emplace(entry->defaultKey, entry->action);
+  return chosen;
+}
+
+void reportKeyClashes(const std::vector<KeyClash>& clashes) {
+  for (const KeyClash& clash : clashes) {
+    std::fprintf(stderr, "zindlebop: the key '%s' is given to both %s and %s in the preferences; it stays with %s\n",
+                 clash.name.c_str(), toString(clash.keptBy), toString(clash.alsoAskedBy), toString(clash.keptBy));
+  }
 }
 
 }  // namespace
@@ -87,6 +104,26 @@ std::optional<InputAction> ComfortOptions::actionForKey(uint16_t keyCode) const 
   return it->second;
 }
 
+std::optional<uint16_t> ComfortOptions::keyFor(InputAction action) const {
+  for (const ActionKeys& entry : kActionKeys) {
+    if (entry.action == action && actionForKey(entry.defaultKey) == action) return entry.defaultKey;
+  }
+  for (const auto& [code, each] : keyActions) {
+    if (each == action) return code;
+  }
+  return std::nullopt;
+}
+
+const char* toString(InputAction action) {
+  switch (action) {
+    case InputAction::jump: return "jump";
+    case InputAction::duck: return "duck";
+    case InputAction::pause: return "pause";
+    case InputAction::leave: return "leave";
+  }
+  return "";
+}
+
 ComfortOptions readComfortOptions(Preferences& store, bool desktopRequestsReducedMotion) {
   ComfortOptions options;
   if (store.objectForKey(kPauseOnFocusLossKey)) options.pauseOnFocusLoss = store.boolForKey(kPauseOnFocusLossKey);
@@ -96,12 +133,13 @@ ComfortOptions readComfortOptions(Preferences& store, bool desktopRequestsReduce
     const float speed = store.floatForKey(kGameSpeedKey);
     if (!std::isnan(speed)) options.gameSpeed = std::clamp(speed, kMinGameSpeed, kMaxGameSpeed);
   }
-  options.keyActions = keyActionsFrom(store, options.unknownKeyNames);
+  options.keyActions = keyActionsFrom(store, options);
   return options;
 }
 
 void GameScene::loadComfortOptions() {
   comfort_ = readComfortOptions(*services().preferences, services().desktopRequestsReducedMotion);
+  reportKeyClashes(comfort_.keyClashes);
   if (comfort_.unknownKeyNames.empty()) return;
   // One line, whatever the file holds: control characters and overlong names are cut down.
   constexpr size_t kLongestNameShown = 40;

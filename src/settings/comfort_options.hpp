@@ -18,6 +18,15 @@ enum class InputAction : uint8_t { jump, duck, pause, leave };
 inline constexpr float kMinGameSpeed = 0.5f;
 inline constexpr float kMaxGameSpeed = 1.0f;
 
+const char* toString(InputAction action);
+
+// A key the player gave to two actions, by the name written first.
+struct KeyClash {
+  std::string name;
+  InputAction keptBy;
+  InputAction alsoAskedBy;
+};
+
 // Space jumps, Down ducks, P pauses and Escape leaves.
 std::map<uint16_t, InputAction> defaultKeyActions();
 
@@ -29,8 +38,12 @@ struct ComfortOptions {
   std::map<uint16_t, InputAction> keyActions = defaultKeyActions();
   // Names in the stored key lists that name no key, as written.
   std::vector<std::string> unknownKeyNames;
+  std::vector<KeyClash> keyClashes;
 
   std::optional<InputAction> actionForKey(uint16_t keyCode) const;
+  // A key that does `action`: its default key if that still does it, else the lowest one; nothing if
+  // the player gave every key of it away.
+  std::optional<uint16_t> keyFor(InputAction action) const;
 };
 
 // `desktopRequestsReducedMotion` decides reduced motion when the store has no word on it.

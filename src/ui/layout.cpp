@@ -68,6 +68,7 @@ void GameScene::updateLayout() {
   layoutMenu();
   layoutSettings();
   layoutGameOver();
+  placeFocusMark();
 }
 
 void GameScene::layoutMenu() {

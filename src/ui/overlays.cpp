@@ -39,6 +39,7 @@ void GameScene::refreshSettingsTexts() {
   }
   const int64_t shown = checkedTruncate(static_cast<double>(percent));
   volumeLabel->setText("Volume: " + std::to_string(shown) + "%");
+  placeFocusMark();  // a toggle's text may have grown or shrunk under it
 }
 
 void GameScene::updateGameOverOverlay() {
@@ -56,6 +57,7 @@ void GameScene::updateFullscreenButtonTitle() {
   Window* window = view() ? view()->window() : nullptr;
   const bool fullScreen = window && window->isFullScreen();
   fullscreenButton->setText(fullScreen ? "Exit Full Screen" : "Full Screen");
+  placeFocusMark();
 }
 
 void GameScene::windowDidEnterFullScreen() { updateFullscreenButtonTitle(); }

@@ -65,14 +65,15 @@ TEST(HeadlessAbuse, DumpsAreValidUtf8WithEachBadByteReplaced) {
 
 // A number that is not finite is dumped as null: every null, by path, except where null is a value.
 void collectNulls(const Json& value, const std::string& path, std::vector<std::string>& found) {
-  if (value.is_null() && path != "/lastCollisionPoint" && path != "/music") found.push_back(path);
+  const bool nullable = path == "/lastCollisionPoint" || path == "/music" || path == "/focusedButton";
+  if (value.is_null() && !nullable) found.push_back(path);
   if (!value.is_structured()) return;
   for (const auto& [key, member] : value.items()) collectNulls(member, path + "/" + key, found);
 }
 
 TEST(HeadlessAbuse, AViewSqueezedToNothingAndBackInEveryStateKeepsEveryNumberFinite) {
   const std::pair<const char*, const char*> states[] = {
-      {"menu", "step 5\n"},
+      {"menu", "step 5\nkey down tab\n"},  // with the focus outline showing
       {"settings", "step 5\nclick 400 250\n"},
       {"playing", "key down space\nstep 100\n"},
       {"paused", "key down space\nstep 100\nkey down p\n"},

@@ -27,7 +27,7 @@ TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
                   "backgroundColor", "currentPrimaryColor", "currentSecondaryColor", "layoutScale", "settingShowFPS",
                   "settingMusicEnabled", "settingMusicVolume", "view", "music", "sounds", "labels", "nodes",
                   "buildings", "clouds", "starCount", "groundLine", "birds", "explosionDots", "nodeCount",
-                  "preferences", "gamepads", "reducedMotion", "gameSpeed"}));
+                  "preferences", "gamepads", "reducedMotion", "gameSpeed", "focusedButton"}));
   // The clock is the sum of ten 1/60 s frames, printed with 17 digits so that it reads back exactly.
   EXPECT_NEAR(json["time"].get<double>(), 10.0 / 60.0, 1e-15);
   EXPECT_EQ(json["preferences"]["vol"].get<double>(), 0.3f);

@@ -20,7 +20,9 @@ TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
   EXPECT_EQ(parsed<StepCommand>("step").frames, 1u);
   EXPECT_EQ(parsed<StepCommand>("  step   10000000000 \r").frames, 10000000000u);
   EXPECT_EQ(parsed<AutoplayCommand>("autoplay 120").frames, 120u);
-  EXPECT_TRUE(parsed<KeyCommand>("key down return alt").alt);
+  EXPECT_EQ(parsed<KeyCommand>("key down return alt").modifierFlags, kOptionModifierFlag);
+  EXPECT_EQ(parsed<KeyCommand>("key down tab ctrl shift").modifierFlags, kControlModifierFlag | kShiftModifierFlag);
+  parsed<QuitCommand>("quit");
   EXPECT_FALSE(parsed<KeyCommand>("key up down").down);
   // Names, a digit key, and longer numbers as raw key codes.
   const std::pair<const char*, uint16_t> keys[] = {{"key down space", keycode::space},

@@ -89,17 +89,18 @@ TEST(ReducedMotion, OnlyTheInterfaceShakeAtACrashGoesAndTheStoreWinsOverTheDeskt
   EXPECT_FALSE(readComfortOptions(store, true).reducedMotion) << "the store wins over the desktop";
 }
 
-TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
+TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsUnknownNamesAndNumbersAreNamedOnceAndTheFirstActionKeepsAKey) {
   test::SceneOptions options;
   options.preferences->setObject("zindlebop_keys_jump", std::string("w  Up return"));
-  options.preferences->setObject("zindlebop_keys_duck", std::string("s"));
+  options.preferences->setObject("zindlebop_keys_duck", std::string("s 12345"));
   options.preferences->setObject("zindlebop_keys_pause", std::string("q bogus"));
-  options.preferences->setObject("zindlebop_keys_leave", std::string("nonsense"));
+  options.preferences->setObject("zindlebop_keys_leave", std::string("nonsense w"));
   testing::internal::CaptureStderr();
   test::AttachedScene game(options);
   const std::string complaint = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(complaint, testing::ContainsRegex("'bogus'.*'nonsense'"));
-  EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 1) << complaint;
+  EXPECT_THAT(complaint, testing::ContainsRegex("'12345'.*'bogus'.*'nonsense'"));
+  EXPECT_THAT(complaint, testing::HasSubstr("'w' is given to both jump and leave"));
+  EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 2) << complaint;
 
   game.press(keycode::space);
   EXPECT_EQ(game->gameState, State::menu) << "Space no longer jumps";
@@ -113,8 +114,10 @@ TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsAndUnknownNamesAreNamedOnce) {
   EXPECT_EQ(game->gameState, State::playing);
   game.press(keycode::returnKey, kOptionModifierFlag);
   EXPECT_TRUE(game.fullScreen()) << "Alt+Return stays the full-screen key";
-  game.press(keycode::escape);  // no known leave key: Escape stays
+  game.press(keycode::escape);  // no leave key of its own: Escape stays
   EXPECT_EQ(game->gameState, State::menu);
+  game.press(*keyCodeForName("w"));
+  EXPECT_EQ(game->gameState, State::playing) << "w stays with jump";
 }
 
 TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,13 +30,18 @@ class VirtualPads : public testing::Test {
     SDL_Quit();
   }
 
-  // A pad with the full common layout; SDL gives virtual pads a matching controller mapping.
-  SDL_Joystick* attach() {
+  // A pad with the full common layout; SDL gives virtual pads a matching controller mapping. A pad of
+  // unknown type gets none: SDL knows nothing of its buttons.
+  SDL_Joystick* attach(SDL_JoystickType type = SDL_JOYSTICK_TYPE_GAMECONTROLLER) {
     SDL_VirtualJoystickDesc desc{};
     desc.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
-    desc.type = SDL_JOYSTICK_TYPE_GAMECONTROLLER;
+    desc.type = type;
     desc.naxes = SDL_CONTROLLER_AXIS_MAX;
     desc.nbuttons = kGamepadButtonCount;
+    desc.name = "Odd Pad";
+    // An identity of its own, so that a layout file can name this model.
+    desc.vendor_id = 0x1234;
+    desc.product_id = 0x5678;
     const int index = SDL_JoystickAttachVirtualEx(&desc);
     EXPECT_GE(index, 0) << SDL_GetError();
     return SDL_JoystickOpen(index);  // SDL_Quit closes it
@@ -121,6 +127,34 @@ TEST_F(VirtualPads, EveryMappedButtonDoesWhatItsKeyDoesTheRestNothingAndTheStick
 
   tap(pad, SDL_CONTROLLER_BUTTON_BACK);
   EXPECT_EQ(game->gameState, State::menu);
+}
+
+TEST_F(VirtualPads, AnUnknownPadPlaysWithTheLayoutFileSdlIsToldAbout) {
+  char guid[64] = {};
+  SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(attach(SDL_JOYSTICK_TYPE_UNKNOWN)), guid, sizeof guid);
+  // Its bottom face button reports as the second button. SDL reads the file when its joystick layer
+  // starts, as it does at the game's start.
+  SDL_Quit();
+  const test::TempFolder folder("zb-pad-layouts");
+  const std::string file = (folder.path() / "pads.txt").string();
+  std::ofstream(file) << guid << ",Odd Pad,a:b1,b:b0,dpdown:b12,platform:Linux,\n";
+  setenv("SDL_GAMECONTROLLERCONFIG_FILE", file.c_str(), 1);
+  ASSERT_EQ(SDL_Init(SDL_INIT_JOYSTICK | SDL_INIT_EVENTS), 0) << SDL_GetError();
+  SDL_Joystick* pad = attach(SDL_JOYSTICK_TYPE_UNKNOWN);
+  pads.emplace();
+  unsetenv("SDL_GAMECONTROLLERCONFIG_FILE");
+  pump();
+  ASSERT_EQ(game.view->gamepads().count(), 1u) << "the file made it a pad";
+
+  tap(pad, SDL_CONTROLLER_BUTTON_B);  // the second button: A in this layout
+  EXPECT_EQ(game->gameState, State::playing);
+  // A duck held by B (the first button) and the D-pad lasts until both let go.
+  button(pad, SDL_CONTROLLER_BUTTON_A, true);
+  button(pad, SDL_CONTROLLER_BUTTON_DPAD_DOWN, true);
+  button(pad, SDL_CONTROLLER_BUTTON_A, false);
+  EXPECT_TRUE(game->isDucking);
+  button(pad, SDL_CONTROLLER_BUTTON_DPAD_DOWN, false);
+  EXPECT_FALSE(game->isDucking);
 }
 
 }  // namespace

@@ -17,8 +17,9 @@ TEST(KeyMapping, NamesAndScancodesGiveEachKeyItsOwnVirtualCodeAndOtherKeysNone) 
   EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_RETURN2), keycode::returnKey);
   EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_KP_ENTER), keycode::keypadEnter);
   EXPECT_EQ(keyCodeForName("enter"), keycode::keypadEnter);
-  EXPECT_EQ(modifierFlagsFor(KMOD_RALT | KMOD_LSHIFT), kOptionModifierFlag);
-  EXPECT_EQ(modifierFlagsFor(KMOD_SHIFT | KMOD_CTRL | KMOD_GUI), 0u);
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_TAB), keycode::tab);
+  EXPECT_EQ(modifierFlagsFor(KMOD_RALT | KMOD_LSHIFT), kOptionModifierFlag | kShiftModifierFlag);
+  EXPECT_EQ(modifierFlagsFor(KMOD_RCTRL | KMOD_GUI | KMOD_NUM), kControlModifierFlag);
 
   std::set<uint16_t> codes;
   for (char c : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) codes.insert(*keyCodeForName(std::string(1, c)));

@@ -49,6 +49,13 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   click(SDL_BUTTON_LEFT, 0, 0);
   EXPECT_EQ(scene->clicks, (std::vector<Point>{{10, 280}, {0, 450}})) << "y up, the left button only";
   EXPECT_EQ(dispatchEvent(SDL_Event{.type = SDL_QUIT}, view), EventOutcome::quit);
+  // Ctrl+Q quits before the scene hears of it; a plain Q is an ordinary key.
+  const auto quitKey = [&](Uint16 mod) {
+    return dispatchEvent(SDL_Event{.key = {SDL_KEYDOWN, 0, 0, 0, 0, 0, 0, {SDL_SCANCODE_Q, 0, mod, 0}}}, view);
+  };
+  EXPECT_EQ(quitKey(KMOD_LCTRL), EventOutcome::quit);
+  EXPECT_EQ(quitKey(KMOD_NONE), EventOutcome::handled);
+  EXPECT_EQ(scene->downs.size(), 3u);
 }
 
 }  // namespace

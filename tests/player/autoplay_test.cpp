@@ -29,9 +29,10 @@ struct Outline {
 };
 
 struct Encounter {
-  explicit Encounter(const Outline& outline) {
-    scene.press(keycode::space);
-    scene.release(keycode::space);
+  Encounter(const Outline& outline, const SceneOptions& options) : scene(options) {
+    const uint16_t jump = *scene->comfortOptions().keyFor(InputAction::jump);
+    scene.press(jump);
+    scene.release(jump);
     scene->spawnTimerFrames = 1'000'000;  // nothing else comes
     scene->obstacleSpeed = outline.speed;
     auto node = std::make_shared<GameScene::ObstacleNode>();
@@ -68,14 +69,20 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
       {"bar at head height", 40, 30, 30, 4, false, true, false},
       {"wall too long for one jump", 0, 40, 360, 10, true, false, true},
   };
-  for (const Outline& outline : outlines) {
-    SCOPED_TRACE(outline.name);
-    Encounter encounter(outline);
-    encounter.play(200);
-    EXPECT_FALSE(encounter.crashed);
-    EXPECT_EQ(encounter.highestFeet > outline.bottom + outline.height, outline.jumps);
-    EXPECT_EQ(encounter.ducked, outline.ducks);
-    EXPECT_EQ(encounter.highestFeet > kSecondPressHeight, outline.pressesTwice);
+  // The player presses the keys the preferences give the actions, like a person reading them.
+  SceneOptions remapped;
+  remapped.preferences->setObject("zindlebop_keys_jump", std::string("w"));
+  remapped.preferences->setObject("zindlebop_keys_duck", std::string("s"));
+  for (const SceneOptions& options : {SceneOptions{}, remapped}) {
+    for (const Outline& outline : outlines) {
+      SCOPED_TRACE(outline.name);
+      Encounter encounter(outline, options);
+      encounter.play(200);
+      EXPECT_FALSE(encounter.crashed);
+      EXPECT_EQ(encounter.highestFeet > outline.bottom + outline.height, outline.jumps);
+      EXPECT_EQ(encounter.ducked, outline.ducks);
+      EXPECT_EQ(encounter.highestFeet > kSecondPressHeight, outline.pressesTwice);
+    }
   }
 }
 
