@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "headless/headless_test_support.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 #include "scene/scene_fixture.hpp"
 
 namespace zb::test {
