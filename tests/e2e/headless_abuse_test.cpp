@@ -153,7 +153,7 @@ TEST(HeadlessAbuse, AScreenshotGoesOnlyToARegularFileAndAFailedOneLeavesTheOldPi
                              "step\nscreenshot " + old.string() + "\n");
   EXPECT_EQ(full.status, 2);
   EXPECT_EQ(full.err, "line 2: screenshot: cannot write '" + old.string() + "': File too large\n");
-  EXPECT_EQ(readBytes(old), "the old picture");
+  EXPECT_TRUE(readBytes(old) == "the old picture") << "the old picture was cut short";
   EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 3) << "a partial picture was left";
 }
 
