@@ -3,14 +3,12 @@
 #include <algorithm>
 #include <charconv>
 
-#include "headless/error_quote.hpp"
+#include "engine/quoted_text.hpp"
+#include "engine/view.hpp"
 
 namespace zb {
 
 namespace {
-
-// Sizes beyond this are typing mistakes, not windows or views.
-constexpr uint64_t kMaxExtent = 16384;
 
 // A whole decimal number with nothing else around it (no sign, no spaces).
 template <typename Number>
@@ -29,12 +27,13 @@ std::optional<Size> parseSize(std::string_view text) {
   const auto width = parseNumber<uint64_t>(text.substr(0, x));
   const auto height = parseNumber<uint64_t>(text.substr(x + 1));
   if (!width || !height) return std::nullopt;
-  if (*width == 0 || *height == 0 || *width > kMaxExtent || *height > kMaxExtent) return std::nullopt;
+  if (*width == 0 || *height == 0 || *width > kMaxViewExtent || *height > kMaxViewExtent) return std::nullopt;
   return Size{static_cast<double>(*width), static_cast<double>(*height)};
 }
 
 CommandLineError badValue(std::string_view option, std::string_view value, std::string_view expected) {
-  return {"bad value " + quotedForError(value) + " for " + std::string(option) + " (expected " + std::string(expected) + ")"};
+  return {"bad value " + quotedForMessage(value) + " for " + std::string(option) + " (expected " +
+          std::string(expected) + ")"};
 }
 
 constexpr std::string_view kValueOptions[] = {"--size",      "--seed",     "--prefs",  "--frames", "--screenshot",
@@ -106,7 +105,7 @@ CommandLineResult parseCommandLine(std::span<const std::string_view> args) {
       options.autoplay = true;
       continue;
     }
-    if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option " + quotedForError(arg)};
+    if (!isOneOf(name, kValueOptions)) return CommandLineError{"unknown option " + quotedForMessage(arg)};
     std::string_view value;
     if (name.size() < arg.size()) {
       value = arg.substr(name.size() + 1);  // --name=value

@@ -7,6 +7,7 @@
 
 #include "app/frame_report.hpp"
 #include "app/startup_report.hpp"
+#include "engine/quoted_text.hpp"
 #include "engine/random.hpp"
 #include "platform/desktop_motion.hpp"
 #include "platform_sdl/gamepads.hpp"
@@ -48,7 +49,7 @@ std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size
 }
 
 int failWith(const char* what, const std::string& error) {
-  std::fprintf(stderr, "zindlebop: %s (SDL: %s)\n", what, error.c_str());
+  sayOnStandardError(std::string(what) + " (SDL: " + error + ")");
   return 1;
 }
 
@@ -57,8 +58,7 @@ int failWith(const char* what, const std::string& error) {
 int runWindowedGame(const CommandLineOptions& options) {
   SdlVideo video;
   if (!video.ok) {
-    std::fprintf(stderr, "zindlebop: no display available (SDL: %s); set DISPLAY or use --headless\n",
-                 video.error.c_str());
+    sayOnStandardError("no display available (SDL: " + video.error + "); set DISPLAY or use --headless");
     return kExitNoDisplay;
   }
   std::string error;
@@ -107,9 +107,11 @@ int runWindowedGame(const CommandLineOptions& options) {
   }
   const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions, &gamepads);
   int status = 0;
-  if (options.screenshotFile && !canvas->writeScreenshot(*options.screenshotFile)) {
-    std::fprintf(stderr, "zindlebop: cannot write the screenshot '%s'\n", options.screenshotFile->c_str());
-    status = 1;
+  if (options.screenshotFile) {
+    if (const PngWrite written = canvas->writeScreenshot(*options.screenshotFile); !written) {
+      sayOnStandardError("screenshot: " + written.description(*options.screenshotFile));
+      status = 1;
+    }
   }
   if (reportRequested(kReportFramesVariable)) std::fprintf(stderr, "%s\n", frameReportLine(stats).c_str());
   view.dismissScene();  // the music stops while the sound output still exists

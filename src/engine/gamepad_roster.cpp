@@ -4,8 +4,11 @@
 
 namespace zb {
 
-void GamepadRoster::connect(GamepadId id) {
-  if (find(id) == nullptr) pads_.push_back(Pad{id, {}, {}});
+bool GamepadRoster::connect(GamepadId id) {
+  if (find(id) != nullptr) return true;
+  if (pads_.size() >= kMaxGamepads) return false;
+  pads_.push_back(Pad{id, {}, {}});
+  return true;
 }
 
 std::optional<GamepadRoster::Leftovers> GamepadRoster::disconnect(GamepadId id) {

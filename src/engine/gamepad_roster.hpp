@@ -12,6 +12,9 @@
 
 namespace zb {
 
+// More pads than anyone plugs in: past it a pad is not taken, and every look-up stays a short walk.
+inline constexpr std::size_t kMaxGamepads = 16;
+
 class GamepadRoster {
  public:
   // What a removed pad still held, so that its buttons and sticks can be let go of.
@@ -20,8 +23,8 @@ class GamepadRoster {
     std::vector<GamepadAxis> axes;  // those not at rest
   };
 
-  // A pad already connected stays where it is.
-  void connect(GamepadId id);
+  // A pad already connected stays where it is. False when kMaxGamepads pads are connected already.
+  bool connect(GamepadId id);
   // Nothing for a pad that was not connected.
   std::optional<Leftovers> disconnect(GamepadId id);
 

@@ -1,6 +1,7 @@
 #pragma once
 // What a scene needs of the view that presents it and of that view's window. The platform layer
 // derives the real window and the headless virtual view from these.
+#include <cstdint>
 #include <memory>
 
 #include "engine/gamepad_roster.hpp"
@@ -10,6 +11,10 @@
 #include "engine/sound_output.hpp"
 
 namespace zb {
+
+// A view's width or height in points as a person may ask for one, on the command line or in a script:
+// beyond this it is a typing mistake, and a picture of it would take gigabytes.
+inline constexpr uint64_t kMaxViewExtent = 16384;
 
 class Scene;
 
@@ -55,7 +60,8 @@ class View {
 
   // Gamepads: only the playing pad reaches the scene, and only with news (see GamepadRoster). When
   // the playing pad goes, the scene first hears it let go of everything it held.
-  void gamepadAdded(GamepadId id) { gamepads_.connect(id); }
+  // False when the roster is full and the pad was not taken.
+  bool gamepadAdded(GamepadId id) { return gamepads_.connect(id); }
   void gamepadRemoved(GamepadId id);
   void gamepadButtonDown(GamepadId id, GamepadButton button);
   void gamepadButtonUp(GamepadId id, GamepadButton button);

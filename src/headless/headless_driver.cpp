@@ -3,7 +3,7 @@
 #include <fstream>
 #include <iostream>
 
-#include "headless/error_quote.hpp"
+#include "engine/quoted_text.hpp"
 #include "headless/headless_session.hpp"
 #include "headless/script_command.hpp"
 
@@ -27,7 +27,7 @@ int runHeadless(const HeadlessOptions& options, std::istream& script, std::ostre
     if (!failure && line.command) failure = session.run(*line.command);
     if (failure) {
       out.flush();
-      err << "line " << lineNumber << ": " << *failure << std::endl;
+      err << oneLine("line " + std::to_string(lineNumber) + ": " + *failure) << std::endl;
       return kExitBadInput;
     }
     if (session.hasQuit()) break;
@@ -40,7 +40,7 @@ int runHeadlessMain(const HeadlessOptions& options, const std::optional<std::str
   if (!scriptFile) return runHeadless(options, std::cin, std::cout, std::cerr);
   std::ifstream script(*scriptFile);
   if (!script) {
-    std::cerr << "zindlebop: cannot read the script " << quotedForError(*scriptFile) << "\n";
+    std::cerr << "zindlebop: cannot read the script " << quotedForMessage(*scriptFile) << "\n";
     return kExitBadInput;
   }
   return runHeadless(options, script, std::cout, std::cerr);

@@ -1,7 +1,6 @@
 #include "headless/headless_session.hpp"
 
 #include "headless/dump_state.hpp"
-#include "headless/error_quote.hpp"
 #include "render/pango_text.hpp"
 #include "platform/preferences_file.hpp"
 #include "platform/resource_paths.hpp"
@@ -100,10 +99,7 @@ void HeadlessSession::dump() {
 std::optional<std::string> HeadlessSession::screenshot(const std::string& file) {
   ensureLaunched();
   const PngWrite written = renderer_.writePNG(view_, file, kFramesPerSecond);
-  if (written.failure == PngWrite::noMemory) {
-    return "screenshot: not enough memory for the picture to " + quotedForError(file);
-  }
-  if (!written) return "screenshot: cannot write " + quotedForError(file);
+  if (!written) return "screenshot: " + written.description(file);
   return std::nullopt;
 }
 
@@ -189,7 +185,7 @@ std::optional<std::string> HeadlessSession::execute(const ScreenshotCommand& com
 // nothing, as nothing would happen at a real machine.
 std::optional<std::string> HeadlessSession::execute(const PadCommand& command) {
   if (command.kind == PadCommand::Kind::add) {
-    view_.gamepadAdded(nextPadId_++);
+    if (!view_.gamepadAdded(nextPadId_++)) return "pad: " + std::to_string(kMaxGamepads) + " pads are connected already";
     return std::nullopt;
   }
   ensureLaunched();

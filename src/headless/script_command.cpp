@@ -6,7 +6,8 @@
 
 #include "engine/input_event.hpp"
 #include "engine/key_names.hpp"
-#include "headless/error_quote.hpp"
+#include "engine/quoted_text.hpp"
+#include "engine/view.hpp"
 
 namespace zb {
 namespace {
@@ -28,7 +29,7 @@ std::vector<std::string_view> splitWords(std::string_view line) {
   return words;
 }
 
-std::string quoted(std::string_view word) { return quotedForError(word); }
+std::string quoted(std::string_view word) { return quotedForMessage(word); }
 
 // The words of one line, consumed from the left.
 class Words {
@@ -97,14 +98,15 @@ double coordinate(Words& words, std::string_view what) {
   return *number;
 }
 
-// A view can shrink to nothing (a minimised or collapsed window), so 0 is a size; less is not.
+// The sizes --size takes, so that a script cannot ask for a picture of gigabytes.
 double extent(Words& words, std::string_view what) {
   std::string_view word = words.require(what);
-  auto number = parseFiniteDouble(word);
-  if (!number || *number < 0) {
-    throw BadLine{words.prefix() + std::string(what) + " must be a number of 0 or more, not " + quoted(word)};
+  auto number = parseInteger<uint64_t>(word);
+  if (!number || *number == 0 || *number > kMaxViewExtent) {
+    throw BadLine{words.prefix() + std::string(what) + " must be a whole number from 1 to " +
+                  std::to_string(kMaxViewExtent) + ", not " + quoted(word)};
   }
-  return *number + 0.0;  // "-0" is a size of plain 0
+  return static_cast<double>(*number);
 }
 
 ScriptCommand parseStep(Words& words) {

@@ -7,14 +7,18 @@
 #include <fcntl.h>
 #include <glib.h>
 #include <glib/gstdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <iostream>
+#include <cstring>
 #include <memory>
+#include <thread>
 
+#include "engine/quoted_text.hpp"
+#include "platform/file_replace.hpp"
 #include "platform/preference_key_file.hpp"
 
 namespace zb {
@@ -29,8 +33,6 @@ constexpr uintmax_t kMaxFileBytes = 1 << 20;
 constexpr auto kRefreshInterval = std::chrono::milliseconds(250);
 constexpr mode_t kFileMode = 0644;
 constexpr int kFolderMode = 0755;
-// As many links as the kernel itself follows before it gives up with ELOOP.
-constexpr int kMaxLinkHops = 40;
 // Copies of unreadable files made within the same second get a number after the time.
 constexpr int kMaxCopyAttempts = 100;
 
@@ -43,17 +45,29 @@ struct FileDescriptor {
   }
 };
 
-// The file a chain of symbolic links ends at (it need not exist yet); nothing for a loop.
-std::optional<fs::path> linkTarget(fs::path path) {
-  for (int hop = 0; hop < kMaxLinkHops; ++hop) {
-    std::error_code error;
-    if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
-    fs::path next = fs::read_symlink(path, error);
-    if (error) return std::nullopt;
-    path = next.is_absolute() ? next : path.parent_path() / next;
+// Holds the lock on the folder of the preferences while one copy of the game reads what the others
+// wrote and writes its own, so that two copies saving at once both keep their keys. Not had within
+// the patience, the save goes ahead without it rather than stall the game.
+class FolderLock {
+ public:
+  explicit FolderLock(const char* folder) : fd_(::open(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (fd_ < 0) return;
+    const auto giveUp = std::chrono::steady_clock::now() + kLockPatience;
+    while (::flock(fd_, LOCK_EX | LOCK_NB) != 0 && std::chrono::steady_clock::now() < giveUp) {
+      std::this_thread::sleep_for(kLockRetry);
+    }
   }
-  return std::nullopt;
-}
+  ~FolderLock() {
+    if (fd_ >= 0) ::close(fd_);  // closing lets go of the lock
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+ private:
+  static constexpr auto kLockPatience = std::chrono::seconds(1);
+  static constexpr auto kLockRetry = std::chrono::milliseconds(1);
+  int fd_;
+};
 
 std::string timeStamp() {
   GDateTime* now = g_date_time_new_now_local();
@@ -100,14 +114,12 @@ std::optional<PreferenceValue> FilePreferences::objectForKey(std::string_view ke
 }
 
 void FilePreferences::setObject(std::string_view key, PreferenceValue value) {
-  reloadIfChanged();
   MemoryPreferences::setObject(key, std::move(value));
   unsavedKeys_.emplace(key);
   save();
 }
 
 void FilePreferences::removeObject(std::string_view key) {
-  reloadIfChanged();
   MemoryPreferences::removeObject(key);
   unsavedKeys_.emplace(key);
   save();
@@ -187,44 +199,44 @@ void FilePreferences::reloadIfChanged() {
 
 void FilePreferences::say(const std::string& line) {
   // A player pressing the toggle ten times hears about the same trouble once.
-  if (line == lastSaid_) return;
-  lastSaid_ = line;
-  std::cerr << "zindlebop: " << line << std::endl;
+  if (!said_.insert(line).second) return;
+  sayOnStandardError(line);
+}
+
+void FilePreferences::sayCannotSave(const std::string& reason) {
+  say("cannot save the preferences to " + quotedForMessage(file_.string()) + ": " + reason +
+      "; settings are kept for this session only");
 }
 
 // Replaces the file in one step (temporary file beside it, flush to disk, rename), so that a failure
 // leaves the previous file as it was; the values then stay in memory and the next write tries again.
+// What other copies of the game wrote since the last read is read again first, under the lock.
 void FilePreferences::save() {
-  const std::string shown = "'" + file_.string() + "'";
   const std::optional<fs::path> target = linkTarget(file_);
-  if (!target) {
-    say("the preferences path " + shown + " is a loop of symbolic links; settings are kept for this session only");
-    return;
-  }
+  if (!target) return sayCannotSave(FileReplace{FileReplace::linkLoop}.reason());
+  GCharPtr folder(g_path_get_dirname(target->c_str()), &g_free);
+  if (g_mkdir_with_parents(folder.get(), kFolderMode) != 0) return sayCannotSave(std::strerror(errno));
+  FolderLock lock(folder.get());
+  reloadIfChanged();
   struct stat info {};
   const bool exists = ::lstat(target->c_str(), &info) == 0;
-  if (exists && !S_ISREG(info.st_mode)) {
-    say("the preferences path " + shown + " is not a regular file; settings are kept for this session only");
-    return;
-  }
+  if (exists && !S_ISREG(info.st_mode)) return sayCannotSave(FileReplace{FileReplace::notRegular}.reason());
   if (exists && loadedDamaged_ && stampOf(*target) == loadedStamp_) {
     const std::optional<fs::path> copy = keepCopyOf(*target);
+    const std::string shown = quotedForMessage(file_.string());
     if (!copy) {
       say("cannot read the preferences in " + shown + " nor keep a copy of them; leaving the file as it is");
       return;
     }
-    say("cannot read the preferences in " + shown + "; kept them as '" + copy->string() + "'");
+    say("cannot read the preferences in " + shown + "; kept them as " + quotedForMessage(copy->string()));
     loadedDamaged_ = false;
   }
   const std::string data = preferenceTextWith(loadedText_, values_, unsavedKeys_);
-  GCharPtr folder(g_path_get_dirname(target->c_str()), &g_free);
-  g_mkdir_with_parents(folder.get(), kFolderMode);
-  const int mode = static_cast<int>(exists ? info.st_mode & 07777 : kFileMode);
-  auto flags = static_cast<GFileSetContentsFlags>(G_FILE_SET_CONTENTS_CONSISTENT | G_FILE_SET_CONTENTS_DURABLE);
-  if (!g_file_set_contents_full(target->c_str(), data.data(), static_cast<gssize>(data.size()), flags, mode,
-                                nullptr)) {
-    return;
-  }
+  // A file the next start would refuse to read would cost the player every setting.
+  if (data.size() > kMaxFileBytes) return sayCannotSave("they would be larger than the 1 MiB the game reads back");
+  const FileReplace written =
+      writeThroughRename(*target, kFileMode, [&data](int fd) { return writeAll(fd, data); }, true);
+  if (!written) return sayCannotSave(written.reason());
   unsavedKeys_.clear();
   loadedText_ = data;
   loadedStamp_ = stampOf(file_);

@@ -3,7 +3,9 @@
 // ~/.config/zindlebop/). Every write replaces the file atomically (the file a symbolic link points at,
 // the link kept); a path that is not a regular file is never written, and a file that cannot be read or
 // parsed reads as an empty store and is kept beside the new one under another name before the first
-// write. Whatever cannot be saved stays in memory, with one line on standard error saying why.
+// write. Two copies of the game on one file keep each other's keys: a save reads what the other wrote
+// under a lock first. Whatever cannot be saved (including a file over the size the game reads back)
+// stays in memory, with one line on standard error naming the file and why.
 #include <chrono>
 #include <filesystem>
 #include <set>
@@ -46,7 +48,9 @@ class FilePreferences : public MemoryPreferences {
   void refreshIfDue();
   void reloadIfChanged();
   void save();
+  // One line on standard error, once per launch for each distinct line.
   void say(const std::string& line);
+  void sayCannotSave(const std::string& reason);
 
   std::filesystem::path file_;
   FileStamp loadedStamp_;
@@ -57,7 +61,7 @@ class FilePreferences : public MemoryPreferences {
   // key file, which then also counts as damaged until a copy of it is kept.
   std::string loadedText_;
   bool loadedDamaged_ = false;
-  std::string lastSaid_;
+  std::set<std::string, std::less<>> said_;
 };
 
 }  // namespace zb

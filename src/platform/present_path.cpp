@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "engine/quoted_text.hpp"
+
 namespace zb {
 
 namespace {
@@ -28,7 +30,7 @@ std::optional<PresentPath> requestedPresentPath(const char* value, std::string& 
   const std::string wanted = lowercase(value);
   if (wanted == "gl") return PresentPath::gl;
   if (wanted == "framebuffer") return PresentPath::framebuffer;
-  complaint = std::string(kPresentVariable) + " must be gl or framebuffer, not '" + std::string(value).substr(0, 80) + "'";
+  complaint = std::string(kPresentVariable) + " must be gl or framebuffer, not " + quotedForMessage(value);
   return std::nullopt;
 }
 

@@ -98,22 +98,22 @@ bool FramebufferCanvas::drawFrame(Renderer& renderer, const View& view, double f
   return true;
 }
 
-bool FramebufferCanvas::writeScreenshot(const std::filesystem::path& file) {
+PngWrite FramebufferCanvas::writeScreenshot(const std::filesystem::path& file) {
   SDL_Surface* surface = SDL_GetWindowSurface(window_);
-  if (surface == nullptr) return false;
+  if (surface == nullptr) return PngWrite{PngWrite::cannotWrite, SDL_GetError()};
   // Read back what the window's surface holds now, stale pixels and all.
   cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, surface->w, surface->h);
   if (cairo_surface_status(image) != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(image);
-    return false;
+    return PngWrite{PngWrite::noMemory, {}};
   }
   cairo_surface_flush(image);
   SDL_ConvertPixels(surface->w, surface->h, surface->format->format, surface->pixels, surface->pitch,
                     SDL_PIXELFORMAT_RGB888, cairo_image_surface_get_data(image), cairo_image_surface_get_stride(image));
   cairo_surface_mark_dirty(image);
-  const bool ok = cairo_surface_write_to_png(image, file.c_str()) == CAIRO_STATUS_SUCCESS;
+  const PngWrite written = writePngFile(image, file);
   cairo_surface_destroy(image);
-  return ok;
+  return written;
 }
 
 }  // namespace zb

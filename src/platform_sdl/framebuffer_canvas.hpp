@@ -22,7 +22,7 @@ class FramebufferCanvas final : public WindowCanvas {
   bool syncToDisplay() override { return false; }
   bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) override;
   void invalidate() override { kept_ = false; }
-  bool writeScreenshot(const std::filesystem::path& file) override;
+  PngWrite writeScreenshot(const std::filesystem::path& file) override;
 
  private:
   explicit FramebufferCanvas(SDL_Window* window) : window_(window) {}

@@ -29,8 +29,11 @@ void SdlGamepads::add(int deviceIndex, View& view) {
     SDL_GameControllerClose(controller);
     return;
   }
+  if (!view.gamepadAdded(id)) {
+    SDL_GameControllerClose(controller);
+    return;
+  }
   open_[id] = controller;
-  view.gamepadAdded(id);
 }
 
 void SdlGamepads::remove(SDL_JoystickID id, View& view) {

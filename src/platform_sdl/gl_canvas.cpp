@@ -112,22 +112,24 @@ bool GlCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerS
   return true;
 }
 
-bool GlCanvas::writeScreenshot(const std::filesystem::path& file) {
+PngWrite GlCanvas::writeScreenshot(const std::filesystem::path& file) {
   int width = 0, height = 0;
-  if (texture_ == nullptr || SDL_GetRendererOutputSize(renderer_, &width, &height) != 0) return false;
+  if (texture_ == nullptr || SDL_GetRendererOutputSize(renderer_, &width, &height) != 0) {
+    return PngWrite{PngWrite::cannotWrite, "nothing drawn yet"};
+  }
   // Draw the frame once more into the back buffer and read it from there: what the window would show.
   SDL_RenderCopy(renderer_, texture_, nullptr, nullptr);
   cairo_surface_t* shot = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-  bool ok = cairo_surface_status(shot) == CAIRO_STATUS_SUCCESS;
-  if (ok) {
+  PngWrite written{PngWrite::noMemory, {}};
+  if (cairo_surface_status(shot) == CAIRO_STATUS_SUCCESS) {
     cairo_surface_flush(shot);
-    ok = SDL_RenderReadPixels(renderer_, nullptr, SDL_PIXELFORMAT_RGB888, cairo_image_surface_get_data(shot),
-                              cairo_image_surface_get_stride(shot)) == 0;
+    const bool read = SDL_RenderReadPixels(renderer_, nullptr, SDL_PIXELFORMAT_RGB888, cairo_image_surface_get_data(shot),
+                                           cairo_image_surface_get_stride(shot)) == 0;
     cairo_surface_mark_dirty(shot);
+    written = read ? writePngFile(shot, file) : PngWrite{PngWrite::cannotWrite, SDL_GetError()};
   }
-  ok = ok && cairo_surface_write_to_png(shot, file.c_str()) == CAIRO_STATUS_SUCCESS;
   cairo_surface_destroy(shot);
-  return ok;
+  return written;
 }
 
 }  // namespace zb

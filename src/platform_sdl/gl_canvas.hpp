@@ -23,7 +23,7 @@ class GlCanvas final : public WindowCanvas {
   bool syncToDisplay() override;
   bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) override;
   void invalidate() override { kept_ = false; }
-  bool writeScreenshot(const std::filesystem::path& file) override;
+  PngWrite writeScreenshot(const std::filesystem::path& file) override;
 
  private:
   GlCanvas(SDL_Window* window, SDL_Renderer* renderer, std::string description)

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/present_path.hpp"
+#include "platform/renderer.hpp"
 
 struct SDL_Window;
 
@@ -34,8 +35,8 @@ class WindowCanvas {
   // The window's pixels were lost or moved (exposed, resized): the next frame is drawn and sent whole.
   virtual void invalidate() = 0;
 
-  // Writes a PNG of what the window shows, read back from where it is shown from.
-  virtual bool writeScreenshot(const std::filesystem::path& file) = 0;
+  // Writes a PNG of what the window shows, read back from where it is shown from (see writePngFile).
+  virtual PngWrite writeScreenshot(const std::filesystem::path& file) = 0;
 
  protected:
   WindowCanvas() = default;

@@ -5,14 +5,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
 
 #include "engine/label_node.hpp"
+#include "engine/quoted_text.hpp"
 #include "engine/scene.hpp"
 #include "engine/shape_node.hpp"
+#include "platform/file_replace.hpp"
 #include "render/item_stamps.hpp"
 #include "render/pango_text.hpp"
 
@@ -388,19 +391,56 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   return damage_;
 }
 
+namespace {
+
+// Where cairo's PNG encoder puts its bytes, and the first error it met there.
+struct PngSink {
+  int fd;
+  int error = 0;
+};
+
+cairo_status_t writeToSink(void* closure, const unsigned char* data, unsigned int length) {
+  auto* sink = static_cast<PngSink*>(closure);
+  sink->error = writeAll(sink->fd, std::string_view(reinterpret_cast<const char*>(data), length));
+  return sink->error == 0 ? CAIRO_STATUS_SUCCESS : CAIRO_STATUS_WRITE_ERROR;
+}
+
+// A huge scene needs gigabytes of pixels; running out of them is worth telling apart from a bad path.
+PngWrite failureOf(cairo_status_t status) {
+  if (status == CAIRO_STATUS_NO_MEMORY) return PngWrite{PngWrite::noMemory, {}};
+  return PngWrite{PngWrite::cannotWrite, cairo_status_to_string(status)};
+}
+
+}  // namespace
+
+std::string PngWrite::description(const std::filesystem::path& file) const {
+  if (failure == noMemory) return "not enough memory for the picture to " + quotedForMessage(file.string());
+  return "cannot write " + quotedForMessage(file.string()) + ": " + reason;
+}
+
+PngWrite writePngFile(cairo_surface_t* image, const std::filesystem::path& file) {
+  constexpr mode_t kPictureMode = 0644;
+  cairo_status_t encoded = CAIRO_STATUS_SUCCESS;
+  const FileReplace written = replaceRegularFile(file, kPictureMode, [&](int fd) {
+    PngSink sink{fd};
+    encoded = cairo_surface_write_to_png_stream(image, writeToSink, &sink);
+    if (sink.error != 0) return sink.error;
+    return encoded == CAIRO_STATUS_SUCCESS ? 0 : EIO;
+  });
+  if (encoded != CAIRO_STATUS_SUCCESS && encoded != CAIRO_STATUS_WRITE_ERROR) return failureOf(encoded);
+  if (!written) return PngWrite{PngWrite::cannotWrite, written.reason()};
+  return {};
+}
+
 PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
   const Size size = view.scene() != nullptr ? view.scene()->size() : view.size();
   const int width = pixelExtent(size.width);
   const int height = pixelExtent(size.height);
-  // A huge scene needs gigabytes of pixels; running out of them is worth telling apart from a bad path.
-  auto failure = [](cairo_status_t status) {
-    return PngWrite{status == CAIRO_STATUS_NO_MEMORY ? PngWrite::noMemory : PngWrite::cannotWrite};
-  };
   // The window's pixels are opaque, so the picture is too.
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
   if (const cairo_status_t status = cairo_surface_status(surface); status != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(surface);
-    return failure(status);
+    return failureOf(status);
   }
   cairo_t* cr = cairo_create(surface);
   draw(cr, view, 1.0, framesPerSecond);
@@ -408,12 +448,12 @@ PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file,
   cairo_destroy(cr);
   if (drawn != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(surface);
-    return failure(drawn);
+    return failureOf(drawn);
   }
   cairo_surface_flush(surface);
-  const cairo_status_t status = cairo_surface_write_to_png(surface, file.c_str());
+  const PngWrite written = writePngFile(surface, file);
   cairo_surface_destroy(surface);
-  return status == CAIRO_STATUS_SUCCESS ? PngWrite{} : failure(status);
+  return written;
 }
 
 }  // namespace zb

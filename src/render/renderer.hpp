@@ -24,8 +24,15 @@ namespace zb {
 // How a picture write went; true when it was written.
 struct PngWrite {
   enum Failure { none, noMemory, cannotWrite } failure = none;
+  std::string reason;  // why it could not be written: "it is not a regular file", "No space left on device"
   explicit operator bool() const { return failure == none; }
+  // What went wrong with the picture for `file`, for a message: "cannot write 'shot.png': ...".
+  std::string description(const std::filesystem::path& file) const;
 };
+
+// Writes `image` as a PNG through a new file beside `file` and a rename (see file_replace.hpp): a
+// FIFO or device there is refused, and a failed write leaves an old file as it was.
+PngWrite writePngFile(cairo_surface_t* image, const std::filesystem::path& file);
 
 class Renderer {
  public:

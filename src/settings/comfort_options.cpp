@@ -1,13 +1,14 @@
 #include "settings/comfort_options.hpp"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <string_view>
 #include <variant>
 
 #include "engine/input_event.hpp"
 #include "engine/key_names.hpp"
+#include "engine/quoted_text.hpp"
 #include "scene/game_scene.hpp"
 #include "settings/preference_keys.hpp"
 
@@ -65,6 +66,33 @@ std::vector<NamedKey> storedKeys(Preferences& store, std::string_view preference
   return keys;
 }
 
+// How a stored value reads in a message: "string 'abc'", "bool false".
+std::string describedValue(const PreferenceValue& value) {
+  struct {
+    std::string operator()(int64_t v) const { return "int " + std::to_string(v); }
+    std::string operator()(bool v) const { return v ? "bool true" : "bool false"; }
+    std::string operator()(float v) const {
+      char text[32];
+      return "float " + std::string(text, std::to_chars(text, text + sizeof text, v).ptr);
+    }
+    std::string operator()(const std::string& v) const { return "string " + quotedForMessage(v); }
+  } describe;
+  return std::visit(describe, value);
+}
+
+// The value stored for an option that takes one of the `Accepted` types; nothing when none is stored,
+// and nothing with a line in `wrongTypes` when it is of another type, so that the option keeps its
+// default rather than reading "abc" as 0 or false as half speed.
+template <typename... Accepted>
+std::optional<PreferenceValue> storedOption(Preferences& store, std::string_view key, std::string_view wanted,
+                                            std::vector<std::string>& wrongTypes) {
+  std::optional<PreferenceValue> value = store.objectForKey(key);
+  if (!value || (std::holds_alternative<Accepted>(*value) || ...)) return value;
+  wrongTypes.push_back(std::string(key) + " in the preferences is " + describedValue(*value) + ", not " +
+                       std::string(wanted) + "; using its default");
+  return std::nullopt;
+}
+
 // A key the player gave to two actions stays with the first of jump, duck, pause and leave. An action
 // left with no key of its own keeps its default, unless the player gave that key to another action.
 std::map<uint16_t, InputAction> keyActionsFrom(Preferences& store, ComfortOptions& options) {
@@ -85,8 +113,9 @@ std::map<uint16_t, InputAction> keyActionsFrom(Preferences& store, ComfortOption
 
 void reportKeyClashes(const std::vector<KeyClash>& clashes) {
   for (const KeyClash& clash : clashes) {
-    std::fprintf(stderr, "zindlebop: the key '%s' is given to both %s and %s in the preferences; it stays with %s\n",
-                 clash.name.c_str(), toString(clash.keptBy), toString(clash.alsoAskedBy), toString(clash.keptBy));
+    sayOnStandardError("the key " + quotedForMessage(clash.name) + " is given to both " + toString(clash.keptBy) +
+                       " and " + toString(clash.alsoAskedBy) + " in the preferences; it stays with " +
+                       toString(clash.keptBy));
   }
 }
 
@@ -126,11 +155,14 @@ const char* toString(InputAction action) {
 
 ComfortOptions readComfortOptions(Preferences& store, bool desktopRequestsReducedMotion) {
   ComfortOptions options;
-  if (store.objectForKey(kPauseOnFocusLossKey)) options.pauseOnFocusLoss = store.boolForKey(kPauseOnFocusLossKey);
-  options.reducedMotion =
-      store.objectForKey(kReducedMotionKey) ? store.boolForKey(kReducedMotionKey) : desktopRequestsReducedMotion;
-  if (store.objectForKey(kGameSpeedKey)) {
-    const float speed = store.floatForKey(kGameSpeedKey);
+  if (auto pause = storedOption<bool>(store, kPauseOnFocusLossKey, "a bool", options.wrongTypes)) {
+    options.pauseOnFocusLoss = std::get<bool>(*pause);
+  }
+  const auto reduced = storedOption<bool>(store, kReducedMotionKey, "a bool", options.wrongTypes);
+  options.reducedMotion = reduced ? std::get<bool>(*reduced) : desktopRequestsReducedMotion;
+  if (auto stored = storedOption<float, int64_t>(store, kGameSpeedKey, "a number", options.wrongTypes)) {
+    const auto* fraction = std::get_if<float>(&*stored);
+    const float speed = fraction ? *fraction : static_cast<float>(std::get<int64_t>(*stored));
     if (!std::isnan(speed)) options.gameSpeed = std::clamp(speed, kMinGameSpeed, kMaxGameSpeed);
   }
   options.keyActions = keyActionsFrom(store, options);
@@ -140,16 +172,24 @@ ComfortOptions readComfortOptions(Preferences& store, bool desktopRequestsReduce
 void GameScene::loadComfortOptions() {
   comfort_ = readComfortOptions(*services().preferences, services().desktopRequestsReducedMotion);
   reportKeyClashes(comfort_.keyClashes);
+  for (const std::string& line : comfort_.wrongTypes) sayOnStandardError(line);
   if (comfort_.unknownKeyNames.empty()) return;
-  // One line, whatever the file holds: control characters and overlong names are cut down.
+  // One line, whatever the file holds: as many names as fit, then how many more there are.
   constexpr size_t kLongestNameShown = 40;
+  constexpr std::string_view kHeading = "ignoring unknown key names in the preferences:";
+  constexpr size_t kRoomForCount = 24;  // "zindlebop: " and " and 12345 more"
   std::string names;
+  size_t shown = 0;
   for (const std::string& name : comfort_.unknownKeyNames) {
-    std::string shown = name.substr(0, kLongestNameShown);
-    std::replace_if(shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, '?');
-    names += " '" + shown + "'";
+    const std::string piece = " " + quotedForMessage(name, kLongestNameShown);
+    if (kHeading.size() + names.size() + piece.size() + kRoomForCount > kMaxMessageBytes) break;
+    names += piece;
+    ++shown;
   }
-  std::fprintf(stderr, "zindlebop: ignoring unknown key names in the preferences:%s\n", names.c_str());
+  if (shown < comfort_.unknownKeyNames.size()) {
+    names += " and " + std::to_string(comfort_.unknownKeyNames.size() - shown) + " more";
+  }
+  sayOnStandardError(std::string(kHeading) + names);
 }
 
 }  // namespace zb

@@ -1,7 +1,7 @@
 #pragma once
 // Options that live only in the preferences file: pausing when the window loses focus, reduced motion,
-// a slower game and remapped keys. Read once when the scene attaches; bad values fall back quietly to
-// the defaults, except unknown key names, which the scene reports.
+// a slower game and remapped keys. Read once when the scene attaches. A value of a type the option does
+// not take reads as its default, and an unknown key name is left out; the scene reports both.
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -39,6 +39,8 @@ struct ComfortOptions {
   // Names in the stored key lists that name no key, as written.
   std::vector<std::string> unknownKeyNames;
   std::vector<KeyClash> keyClashes;
+  // One line for each option stored with a type it does not take.
+  std::vector<std::string> wrongTypes;
 
   std::optional<InputAction> actionForKey(uint16_t keyCode) const;
   // A key that does `action`: its default key if that still does it, else the lowest one; nothing if

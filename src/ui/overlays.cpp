@@ -1,10 +1,10 @@
 // The computed texts of the pages: the settings read-outs, the game-over lines with their taunt,
 // and the full-screen button's title with the two window notifications that keep it right.
 #include <charconv>
-#include <iostream>
 #include <string>
 
 #include "engine/checked.hpp"
+#include "engine/quoted_text.hpp"
 #include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 #include "settings/preference_keys.hpp"
@@ -22,8 +22,8 @@ const char* onOff(bool value) { return value ? "On" : "Off"; }
 void reportUnshowableVolume(float volume, const Preferences& store) {
   char number[64];
   const auto end = std::to_chars(number, number + sizeof number, volume).ptr;
-  std::cerr << "zindlebop: cannot show the music volume " << std::string_view(number, end) << " stored under "
-            << kMusicVolumeKey << " in " << store.whereKept() << "; stopping" << std::endl;
+  sayOnStandardError("cannot show the music volume " + std::string(number, end) + " stored under " +
+                     std::string(kMusicVolumeKey) + " in " + quotedForMessage(store.whereKept()) + "; stopping");
 }
 
 }  // namespace

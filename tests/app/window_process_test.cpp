@@ -2,8 +2,11 @@
 // display with and without a window manager (a burst of full-screen presses, the window destroyed by
 // another program).
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "e2e/child_process.hpp"
 
@@ -27,6 +30,20 @@ TEST(WindowSmoke, BadOptionsPrintUsageAndExitWithTwoAndVersionPrintsOneLine) {
   const BinaryRun version = runBinary({ZB_BINARY, "--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(std::count(version.out.begin(), version.out.end(), '\n'), 1) << version.out;
+}
+
+// The window's own screenshot at exit is refused for a FIFO, which would wait for a reader for ever.
+TEST(WindowSmoke, AScreenshotToAFifoIsRefusedInOneLineInsteadOfWaiting) {
+  if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
+  const std::string fifo = std::filesystem::temp_directory_path() / ("zb-window-fifo-" + std::to_string(::getpid()));
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  const BinaryRun run = runBinary({"/usr/bin/env", "ASAN_OPTIONS=detect_leaks=0", "xvfb-run", "-a", ZB_BINARY,
+                                   "--prefs", fifo + ".ini", "--frames", "3", "--screenshot", fifo});
+  std::filesystem::remove(fifo);
+  EXPECT_EQ(run.status, 1);
+  // The last line, after whatever the sound library says about a machine without sound.
+  const std::string said = "zindlebop: screenshot: cannot write '" + fifo + "': it is not a regular file\n";
+  EXPECT_TRUE(run.err == said || run.err.ends_with("\n" + said)) << run.err;
 }
 
 // Starts the game (and the window manager, if any) and presses Alt+Return `presses` times as fast as

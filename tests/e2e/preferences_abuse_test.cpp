@@ -118,19 +118,30 @@ TEST(PreferencesAbuse, AnUnreadableFileIsKeptBesideTheNewOneAndThePlayerToldWher
 }
 
 // A full disk, for any user: with the file-size limit at zero every write fails (SIGXFSZ is ignored,
-// so the write returns an error instead of killing the game), while the file stays readable.
-TEST(PreferencesAbuse, AFailedWriteLeavesAGoodFileAsItWas) {
+// so the write returns an error instead of killing the game), while the file stays readable. Toggled
+// twice, the failure is said once, with the file and the reason.
+TEST(PreferencesAbuse, AFailedWriteLeavesAGoodFileAsItWasAndSaysWhyOnce) {
   TempFolder folder("zb-abuse-full");
   const fs::path file = folder.path() / "prefs.ini";
   writeBytes(file, "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingShowFPS=bool:false\n");
   BinaryRun run = runBinary({"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 0; exec \"$@\"", "sh", ZB_BINARY, "--headless",
                              "--fallback", "none", "--prefs", file.string()},
-                            kToggleFPS);
+                            kToggleFPS + "click 400 355\nstep\n");
   ASSERT_EQ(run.status, 0) << run.err;
   const Json toggled = dumpsOf(run).at(0);
   EXPECT_EQ(toggled["settingMusicVolume"].get<double>(), 0.25f);
   EXPECT_TRUE(toggled["settingShowFPS"].get<bool>()) << "the setting lives on in memory";
   EXPECT_EQ(readBytes(file), "[preferences]\nquorra_settingMusicVolume=float:0.25\nquorra_settingShowFPS=bool:false\n");
+  EXPECT_EQ(lineCount(run.err), 1u) << run.err;
+  EXPECT_NE(run.err.find("'" + file.string() + "': File too large"), std::string::npos) << run.err;
+
+  // A folder that cannot be made, under a regular file whose name holds a line break and an escape code.
+  writeBytes(folder.path() / "note\n\x1B[2J.txt", "not a folder");
+  const fs::path under = folder.path() / "note\n\x1B[2J.txt" / "prefs.ini";
+  run = runWithPrefs(under, kToggleFPS);
+  ASSERT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(lineCount(run.err), 1u) << run.err;
+  EXPECT_NE(run.err.find("note\\x0a\\x1b[2J.txt/prefs.ini': Not a directory"), std::string::npos) << run.err;
 }
 
 TEST(PreferencesAbuse, AnUnshowableStoredVolumeStillStopsTheGameButSaysWhatAndWhere) {

@@ -84,7 +84,8 @@ TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
   const std::pair<const char*, const char*> cases[] = {
       {"bogus", "unknown command 'bogus'"},
       {"step -1", "step: frame count must be a whole number of 0 or more, not '-1'"},
-      {"resize 800 inf", "resize: height must be a number of 0 or more, not 'inf'"},
+      {"resize 800 1e300", "resize: height must be a whole number from 1 to 16384, not '1e300'"},
+      {"resize 0 600", "resize: width must be a whole number from 1 to 16384, not '0'"},
       {"pref set k int 99999999999999999999", "pref: int value must be a whole number, not '99999999999999999999'"},
       {"pad down z", "pad: unknown button 'z'"},
       {"pad axis lefty 1.5", "pad: value must be a number from -1 to 1, not '1.5'"},
@@ -101,6 +102,12 @@ TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
   HeadlessRun run = runScript("launch\r\nstep 2\r\n  # done\r\ndump");
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_EQ(run.lines().size(), 1u) << "a missing final newline is fine";
+
+  std::string pads;
+  for (int i = 0; i < 17; ++i) pads += "pad add\n";
+  run = runScript(pads + "dump\n");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.err, "line 17: pad: 16 pads are connected already\n");
 }
 
 TEST(HeadlessDriver, SpaceStartsARunWithItsSoundOnceAndTheMouseShowsTheCursor) {

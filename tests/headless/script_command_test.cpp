@@ -33,7 +33,7 @@ TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
   for (const auto& [line, code] : keys) EXPECT_EQ(parsed<KeyCommand>(line).keyCode, code) << line;
   EXPECT_EQ(parsed<ClickCommand>("click 400 312.5").location, (Point{400, 312.5}));
   EXPECT_EQ(parsed<MoveCommand>("move -3 7").location, (Point{-3, 7}));
-  EXPECT_EQ(parsed<ResizeCommand>("resize 0 -0").size, (Size{0, 0}));
+  EXPECT_EQ(parsed<ResizeCommand>("resize 1 16384").size, (Size{1, 16384}));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k int -12").value, PreferenceValue(int64_t{-12}));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k bool false").value, PreferenceValue(false));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k float 0.3").value, PreferenceValue(0.3f));

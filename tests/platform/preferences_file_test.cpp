@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <csignal>
 #include <iterator>
 #include <thread>
@@ -64,6 +65,32 @@ TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothi
   std::signal(SIGXFSZ, oldHandler);
   mine.setInteger(78, "quorraHighScore");
   EXPECT_EQ(FilePreferences(file).objectForKey("long"), longText);
+}
+
+// Two copies saving at the same moment, each its own keys: every key of both reaches the file. A save
+// the next start could not read back is refused, said once, and the file stays as it was.
+TEST(PreferencesFile, CopiesSavingAtOnceKeepEveryKeyAndNoSaveOutgrowsWhatIsReadBack) {
+  test::TempFolder folder("zb-prefs-race");
+  const fs::path file = fileInNewFolder(folder);
+  constexpr int kKeysEach = 150;
+  auto writeKeys = [&file](const std::string& prefix) {
+    FilePreferences copy(file);
+    for (int i = 0; i < kKeysEach; ++i) copy.setInteger(i, prefix + std::to_string(i));
+  };
+  std::thread first(writeKeys, "first"), second(writeKeys, "second");
+  first.join();
+  second.join();
+  EXPECT_EQ(FilePreferences(file).dictionaryRepresentation().size(), 2u * kKeysEach);
+
+  const std::string before = test::readBytes(file);
+  FilePreferences prefs(file);
+  testing::internal::CaptureStderr();
+  for (int attempt = 0; attempt < 2; ++attempt) prefs.setObject("huge", std::string(1 << 20, 'x'));
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_TRUE(test::readBytes(file) == before) << "the file changed";
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+  EXPECT_NE(said.find(file.string()), std::string::npos) << said;
+  EXPECT_EQ(FilePreferences(file).dictionaryRepresentation().size(), 2u * kKeysEach);
 }
 
 TEST(PreferencesFileLocation, FollowsAnAbsoluteConfigHomeOrFallsBackToDotConfig) {

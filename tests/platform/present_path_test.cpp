@@ -19,6 +19,12 @@ TEST(PresentPath, TheOverrideNamesAnythingButTheTwoPathsAndSoftwareDriversAreTol
     EXPECT_EQ(requestedPresentPath(value, complaint), path) << (value ? value : "unset");
     EXPECT_EQ(!complaint.empty(), complains) << complaint;
   }
+  // Escape codes and a line break are shown, not played, and a long value is cut.
+  std::string complaint;
+  requestedPresentPath(("gl\x1B]0;owned\x07\n\x9B" + std::string(5000, 'x')).c_str(), complaint);
+  EXPECT_TRUE(complaint.starts_with("ZINDLEBOP_PRESENT must be gl or framebuffer, not 'gl\\x1b]0;owned\\x07\\x0a\\x9b"))
+      << complaint;
+  EXPECT_LE(complaint.size(), 150u);
 
   EXPECT_TRUE(isSoftwareGlRenderer("llvmpipe (LLVM 15.0.6, 256 bits)"));
   EXPECT_TRUE(isSoftwareGlRenderer(""));

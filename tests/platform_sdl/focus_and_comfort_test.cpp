@@ -89,18 +89,41 @@ TEST(ReducedMotion, OnlyTheInterfaceShakeAtACrashGoesAndTheStoreWinsOverTheDeskt
   EXPECT_FALSE(readComfortOptions(store, true).reducedMotion) << "the store wins over the desktop";
 }
 
+// "abc" is not read as 0 (half speed) or false (no pause), nor false as a speed of 0.
+TEST(ComfortTypes, AValueOfTheWrongTypeMeansTheDefaultWithOneLineNamingTheKey) {
+  for (const PreferenceValue& speed : {PreferenceValue(std::string("abc")), PreferenceValue(false)}) {
+    test::SceneOptions options;
+    options.preferences->setObject("zindlebop_gameSpeed", speed);
+    options.preferences->setObject("zindlebop_pauseOnFocusLoss", std::string("abc"));
+    testing::internal::CaptureStderr();
+    test::AttachedScene game(options);
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(game->comfortOptions().gameSpeed, 1.0f);
+    EXPECT_TRUE(game->comfortOptions().pauseOnFocusLoss);
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
+    EXPECT_THAT(said, testing::ContainsRegex("zindlebop_pauseOnFocusLoss.*\n.*zindlebop_gameSpeed")) << said;
+  }
+}
+
+// However many unknown names, they are named in one short line that cannot repaint the terminal.
 TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsUnknownNamesAndNumbersAreNamedOnceAndTheFirstActionKeepsAKey) {
+  std::string manyNames = "nonsense \x1B[0m\x7F\xC2\x85";
+  for (int i = 0; i < 20000; ++i) manyNames += " zz";
   test::SceneOptions options;
   options.preferences->setObject("zindlebop_keys_jump", std::string("w  Up return"));
   options.preferences->setObject("zindlebop_keys_duck", std::string("s 12345"));
   options.preferences->setObject("zindlebop_keys_pause", std::string("q bogus"));
-  options.preferences->setObject("zindlebop_keys_leave", std::string("nonsense w"));
+  options.preferences->setObject("zindlebop_keys_leave", manyNames + " w");
   testing::internal::CaptureStderr();
   test::AttachedScene game(options);
   const std::string complaint = testing::internal::GetCapturedStderr();
-  EXPECT_THAT(complaint, testing::ContainsRegex("'12345'.*'bogus'.*'nonsense'"));
+  EXPECT_THAT(complaint, testing::HasSubstr("'12345' 'bogus' 'nonsense' '\\x1b[0m\\x7f\\x85' 'zz'"));
   EXPECT_THAT(complaint, testing::HasSubstr("'w' is given to both jump and leave"));
   EXPECT_EQ(std::count(complaint.begin(), complaint.end(), '\n'), 2) << complaint;
+  const size_t firstLineEnd = complaint.find('\n') + 1;
+  EXPECT_LE(firstLineEnd, 201u) << complaint;
+  EXPECT_LE(complaint.size() - firstLineEnd, 201u) << complaint;
+  EXPECT_THAT(complaint, testing::HasSubstr(" more\n")) << complaint;
 
   game.press(keycode::space);
   EXPECT_EQ(game->gameState, State::menu) << "Space no longer jumps";
