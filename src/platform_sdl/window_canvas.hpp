@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/present_path.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 
 struct SDL_Window;
 
