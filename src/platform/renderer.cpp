@@ -347,6 +347,7 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
     if (pixels != nullptr) pixman_image_unref(pixels);
     draw(cr, view, pixelScale, framesPerSecond);
     hasPrevious_ = false;
+    mismatchedPixels_ = 0;
     damage_.assign(1, frame);
     return damage_;
   }
@@ -371,8 +372,47 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
     paint(pixels, view.scene(), damage_);
     cairo_surface_mark_dirty(surface);
   }
+  mismatchedPixels_ = reference_ ? pixelsUnlikeFullRedraw(pixels, view, pixelScale, framesPerSecond) : 0;
   pixman_image_unref(pixels);
   return damage_;
+}
+
+void Renderer::setVerifies(bool on) {
+  if (!on) {
+    reference_.reset();
+    mismatchedPixels_ = 0;
+  } else if (!reference_) {
+    reference_ = std::make_unique<Renderer>();
+  }
+}
+
+int64_t Renderer::pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale,
+                                         double framesPerSecond) {
+  const int width = pixman_image_get_width(drawn), height = pixman_image_get_height(drawn);
+  const bool opaque = pixman_image_get_format(drawn) == PIXMAN_x8r8g8b8;
+  cairo_surface_t* full = cairo_image_surface_create(opaque ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, width, height);
+  if (cairo_surface_status(full) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(full);
+    return 0;  // nothing to compare with; the frame itself was drawn
+  }
+  // Masks kept from earlier frames would hide a mask whose key does not hold all that decides it.
+  reference_->masks_.clear();
+  cairo_t* cr = cairo_create(full);
+  reference_->draw(cr, view, pixelScale, framesPerSecond);
+  cairo_destroy(cr);
+  cairo_surface_flush(full);
+  const uint32_t unused = opaque ? 0xff000000u : 0;  // the fourth byte of an opaque pixel means nothing
+  const auto* a = reinterpret_cast<const unsigned char*>(pixman_image_get_data(drawn));
+  const auto* b = cairo_image_surface_get_data(full);
+  const int strideA = pixman_image_get_stride(drawn), strideB = cairo_image_surface_get_stride(full);
+  int64_t differing = 0;
+  for (int y = 0; y < height; ++y) {
+    const auto* rowA = reinterpret_cast<const uint32_t*>(a + static_cast<std::ptrdiff_t>(y) * strideA);
+    const auto* rowB = reinterpret_cast<const uint32_t*>(b + static_cast<std::ptrdiff_t>(y) * strideB);
+    for (int x = 0; x < width; ++x) differing += ((rowA[x] ^ rowB[x]) & ~unused) != 0;
+  }
+  cairo_surface_destroy(full);
+  return differing;
 }
 
 PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
