@@ -91,7 +91,8 @@ int runWindowedGame(const CommandLineOptions& options) {
   loopOptions.gameSpeed = scene->comfortOptions().gameSpeed;
   loopOptions.gamepads = &gamepads;
   if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
-  loopOptions.tracksDamage = damageTrackingWanted();
+  loopOptions.tracksDamage = damageMode() != DamageMode::off;
+  loopOptions.verifiesDamage = damageMode() == DamageMode::verify;
   // The built-in player presses its keys before each step, as in the headless driver's autoplay.
   Autoplayer player;
   if (options.autoplay) {
@@ -107,7 +108,7 @@ int runWindowedGame(const CommandLineOptions& options) {
     };
   }
   const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions);
-  int status = 0;
+  int status = stats.damageMismatch ? 1 : 0;
   if (options.screenshotFile && !canvas->writeScreenshot(*options.screenshotFile)) {
     std::fprintf(stderr, "zindlebop: cannot write the screenshot '%s'\n", options.screenshotFile->c_str());
     status = 1;

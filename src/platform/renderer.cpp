@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -271,6 +272,16 @@ pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
     if (drawn) image = masks_.keep(stamp.key, mask);
   }
   cairo_surface_destroy(mask);
+  if (image == nullptr) {
+    // Out of memory: the item is missing from this frame, which is then not kept as a base for the
+    // next, and the player is told once.
+    if (!maskFailed_) {
+      std::fprintf(stderr, "zindlebop: no memory for a %dx%d pixel mask; an item is missing from the picture\n",
+                   stamp.maskBox.width, stamp.maskBox.height);
+    }
+    maskFailed_ = true;
+    missingMasks_ = true;
+  }
   return image;
 }
 
@@ -364,14 +375,15 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   }
   std::swap(previous_, records_);
   previousBackdrop_ = backdrop;
-  hasPrevious_ = true;
 
+  missingMasks_ = false;
   if (!damage_.empty()) {
     // Every stamp paints each pixel from its mask and what lies below alone, so drawing only inside
     // the damaged boxes, straight over the previous frame, gives exactly a full redraw's pixels.
     paint(pixels, view.scene(), damage_);
     cairo_surface_mark_dirty(surface);
   }
+  hasPrevious_ = !missingMasks_;
   mismatchedPixels_ = reference_ ? pixelsUnlikeFullRedraw(pixels, view, pixelScale, framesPerSecond) : 0;
   pixman_image_unref(pixels);
   return damage_;

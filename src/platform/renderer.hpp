@@ -70,7 +70,7 @@ class Renderer {
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
   void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
-  // The mask of one of an item's stamps, found or drawn now; nullptr when memory runs out.
+  // The mask of one of an item's stamps, found or drawn now; nullptr, said once, when memory runs out.
   pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
   // Draws the frame whole into an image of its own and counts the pixels where `drawn` differs.
   int64_t pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale, double framesPerSecond);
@@ -93,6 +93,8 @@ class Renderer {
   std::vector<PixelRect> damage_;
   std::unique_ptr<Renderer> reference_;  // draws every frame whole, when verifying
   int64_t mismatchedPixels_ = 0;
+  bool maskFailed_ = false;    // ever: said once
+  bool missingMasks_ = false;  // in the frame being drawn
 };
 
 }  // namespace zb
