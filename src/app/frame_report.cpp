@@ -11,11 +11,12 @@ bool reportRequested(const char* variable) {
   return value != nullptr && std::string_view(value) == "1";
 }
 
-bool damageTrackingWanted() {
+DamageMode damageMode() {
   const char* value = std::getenv(kDamageVariable);
-  if (value == nullptr) return true;
+  if (value == nullptr) return DamageMode::tracked;
   const std::string_view v(value);
-  return !(v == "off" || v == "0" || v == "no");
+  if (v == "verify") return DamageMode::verify;
+  return v == "off" || v == "0" || v == "no" ? DamageMode::off : DamageMode::tracked;
 }
 
 std::string frameReportLine(const FrameLoopStats& stats) {

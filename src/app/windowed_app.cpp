@@ -21,6 +21,7 @@
 #include "platform_sdl/canvas_factory.hpp"
 #include "player/autoplay.hpp"
 #include "scene/game_scene.hpp"
+#include "settings/preference_keys.hpp"
 
 namespace zb {
 
@@ -35,11 +36,11 @@ struct SdlVideo {
   }
 };
 
-std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size, bool reducedMotion) {
+std::shared_ptr<GameScene> makeGameScene(const CommandLineOptions& options, Size size,
+                                         std::shared_ptr<Preferences> preferences, bool reducedMotion) {
   auto scene = std::make_shared<GameScene>(size);
   GameServices services;
-  services.preferences = std::make_shared<FilePreferences>(
-      options.prefsFile ? std::filesystem::path(*options.prefsFile) : FilePreferences::defaultLocation());
+  services.preferences = std::move(preferences);
   services.bundle = ResourceBundle(defaultResourceFolder());
   services.fallbackFolder = defaultFallbackFolder();
   services.desktopRequestsReducedMotion = reducedMotion;
@@ -53,9 +54,24 @@ int failWith(const char* what, const std::string& error) {
   return 1;
 }
 
+// Asks the session bus before SDL starts, since SDL would wait on a silent bus for minutes; and asks
+// its portal for the desktop's wish for less motion only when the player has not chosen.
+bool askDesktop(Preferences& preferences) {
+  const DesktopBusAnswer answer = askDesktopBus(!preferences.objectForKey(kReducedMotionKey).has_value());
+  if (answer.bus == DesktopBusAnswer::Bus::silent) {
+    std::fprintf(stderr, "zindlebop: the desktop bus did not answer within %d ms; going on without it\n",
+                 kDesktopQueryTimeoutMs);
+    hideSilentDesktopBus();
+  }
+  return answer.reducedMotion;
+}
+
 }  // namespace
 
 int runWindowedGame(const CommandLineOptions& options) {
+  auto preferences = std::make_shared<FilePreferences>(
+      options.prefsFile ? std::filesystem::path(*options.prefsFile) : FilePreferences::defaultLocation());
+  const bool desktopWantsLessMotion = askDesktop(*preferences);
   SdlVideo video;
   if (!video.ok) {
     sayOnStandardError("no display available (SDL: " + video.error + "); set DISPLAY or use --headless");
@@ -72,7 +88,6 @@ int runWindowedGame(const CommandLineOptions& options) {
 
   // Pads already connected are announced by SDL as arrivals once the loop starts reading events.
   SdlGamepads gamepads;
-  const bool desktopWantsLessMotion = desktopRequestsReducedMotion();
 
   // Without an audio device the game plays silent.
   std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();
@@ -82,7 +97,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   view.ignoresSiblingOrder = true;
   view.showsFPS = true;
   view.showsNodeCount = true;
-  const std::shared_ptr<GameScene> scene = makeGameScene(options, view.size(), desktopWantsLessMotion);
+  const std::shared_ptr<GameScene> scene = makeGameScene(options, view.size(), preferences, desktopWantsLessMotion);
   view.presentScene(scene);
   if (reportRequested(kReportPresentVariable)) std::fprintf(stderr, "present: %s\n", canvas->description().c_str());
 
@@ -90,7 +105,8 @@ int runWindowedGame(const CommandLineOptions& options) {
   loopOptions.frameLimit = options.frameLimit;
   loopOptions.gameSpeed = scene->comfortOptions().gameSpeed;
   if (firstFrameReportRequested()) loopOptions.afterFirstPresent = reportFirstFrame;
-  loopOptions.tracksDamage = damageTrackingWanted();
+  loopOptions.tracksDamage = damageMode() != DamageMode::off;
+  loopOptions.verifiesDamage = damageMode() == DamageMode::verify;
   // The built-in player presses its keys before each step, as in the headless driver's autoplay.
   Autoplayer player;
   if (options.autoplay) {
@@ -106,7 +122,7 @@ int runWindowedGame(const CommandLineOptions& options) {
     };
   }
   const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions, &gamepads);
-  int status = 0;
+  int status = stats.damageMismatch ? 1 : 0;
   if (options.screenshotFile) {
     if (const PngWrite written = canvas->writeScreenshot(*options.screenshotFile); !written) {
       sayOnStandardError("screenshot: " + written.description(*options.screenshotFile));

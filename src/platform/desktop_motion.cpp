@@ -32,14 +32,26 @@ std::optional<std::string> sessionBusAddress() {
   return std::nullopt;
 }
 
-// The asynchronous steps share this; the loop below runs them on a private main context until they
-// finish or time runs out, so nothing can block start-up for longer than the budget.
+// The asynchronous steps share this. The loop below runs them on a private main context until they
+// finish or time runs out. A step still under way then (a bus that accepts but never answers can hold
+// one for GDBus's 25 s) is left behind with the query: it never reports, as nothing runs that context
+// any more, and its few bytes are not worth a wait.
 struct Query {
   GCancellable* cancellable = g_cancellable_new();
   GDBusConnection* connection = nullptr;
+  bool askMotion = true;
+  bool connected = false;
   bool done = false;
   bool triedOldMethod = false;
   std::optional<bool> animationsEnabled;
+
+  ~Query() {
+    if (connection != nullptr) {
+      g_dbus_connection_close(connection, nullptr, nullptr, nullptr);
+      g_object_unref(connection);
+    }
+    g_object_unref(cancellable);
+  }
 };
 
 void askPortal(Query& query, const char* method);
@@ -85,10 +97,12 @@ void askPortal(Query& query, const char* method) {
                          G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, query.cancellable, onReply, &query);
 }
 
+// The connection is made once the bus has answered the Hello every client starts with.
 void onConnected(GObject* /*source*/, GAsyncResult* result, gpointer data) {
   auto& query = *static_cast<Query*>(data);
   query.connection = g_dbus_connection_new_for_address_finish(result, nullptr);
-  if (query.connection == nullptr) {
+  query.connected = query.connection != nullptr;
+  if (!query.connected || !query.askMotion) {
     query.done = true;
     return;
   }
@@ -97,41 +111,46 @@ void onConnected(GObject* /*source*/, GAsyncResult* result, gpointer data) {
 
 }  // namespace
 
-bool desktopRequestsReducedMotion(int timeoutMs) {
+DesktopBusAnswer askDesktopBus(bool askMotion, int timeoutMs) {
   const std::optional<std::string> address = sessionBusAddress();
-  if (!address) return false;
+  if (!address) return {};
 
   GMainContext* context = g_main_context_new();
   g_main_context_push_thread_default(context);
-  Query query;
+  auto* query = new Query;
+  query->askMotion = askMotion;
   g_dbus_connection_new_for_address(
       address->c_str(),
       static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
                                         G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
-      nullptr, query.cancellable, onConnected, &query);
+      nullptr, query->cancellable, onConnected, query);
 
   bool outOfTime = false;
   GSource* timer = g_timeout_source_new(static_cast<guint>(std::max(timeoutMs, 0)));
   g_source_set_callback(
       timer, [](gpointer flag) { *static_cast<bool*>(flag) = true; return G_SOURCE_REMOVE; }, &outOfTime, nullptr);
   g_source_attach(timer, context);
-  while (!query.done && !outOfTime) g_main_context_iteration(context, TRUE);
+  while (!query->done && !outOfTime) g_main_context_iteration(context, TRUE);
   g_source_destroy(timer);
   g_source_unref(timer);
-  if (!query.done) {
-    // Out of time: cancel, and let the cancelled step report so that nothing refers to `query` later.
-    g_cancellable_cancel(query.cancellable);
-    while (!query.done) g_main_context_iteration(context, TRUE);
-  }
 
-  if (query.connection != nullptr) {
-    g_dbus_connection_close(query.connection, nullptr, nullptr, nullptr);
-    g_object_unref(query.connection);
-  }
-  g_object_unref(query.cancellable);
+  DesktopBusAnswer answer;
+  answer.bus = query->connected ? DesktopBusAnswer::Bus::answered : DesktopBusAnswer::Bus::silent;
+  answer.reducedMotion = query->animationsEnabled == false;
   g_main_context_pop_thread_default(context);
+  if (query->done) {
+    delete query;
+  } else {
+    g_cancellable_cancel(query->cancellable);  // left behind; see Query
+  }
   g_main_context_unref(context);
-  return query.animationsEnabled == false;
+  return answer;
+}
+
+void hideSilentDesktopBus() {
+  // Under /dev/null no socket can ever be: connecting fails at once, and no library falls back to
+  // looking for or launching another bus while this variable is set.
+  setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null/no-session-bus", 1);
 }
 
 }  // namespace zb

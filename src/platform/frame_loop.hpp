@@ -20,6 +20,8 @@ struct FrameLoopOptions {
   std::function<void()> beforeStep;
   // Off: every frame is redrawn whole, for comparisons.
   bool tracksDamage = true;
+  // On: every frame is also drawn whole and compared; the loop stops at the first difference.
+  bool verifiesDamage = false;
   // Simulation steps per second are 60 x this (0.5 to 1); each step is still 1/60 s of game time.
   double gameSpeed = 1.0;
 };
@@ -29,6 +31,7 @@ struct FrameLoopStats {
   int64_t framesDrawn = 0;
   int64_t steps = 0;
   double seconds = 0;
+  bool damageMismatch = false;  // stopped because a frame drawn from its changes differed
 };
 
 class FrameLoopHost {

@@ -3,6 +3,7 @@
 #include <SDL.h>
 #include <cairo.h>
 
+#include <cstdio>
 #include <cstring>
 #include <vector>
 
@@ -78,14 +79,24 @@ bool GlCanvas::fitDrawable(int width, int height) {
   image_ = nullptr;
   kept_ = false;
   // Both are 32-bit native-endian pixels with the top byte unused, so the image uploads as it is.
+  // Without either the window shows nothing new: said once, until a later try succeeds.
   texture_ = SDL_CreateTexture(renderer_, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_STREAMING, width, height);
-  if (texture_ == nullptr) return false;
+  if (texture_ == nullptr) {
+    if (!saidNoPixels_) std::fprintf(stderr, "zindlebop: cannot make a %dx%d texture for the window (SDL: %s); "
+                                             "the window is not redrawn\n", width, height, SDL_GetError());
+    saidNoPixels_ = true;
+    return false;
+  }
   image_ = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
   if (cairo_surface_status(image_) != CAIRO_STATUS_SUCCESS) {
+    if (!saidNoPixels_) std::fprintf(stderr, "zindlebop: no memory for a %dx%d picture of the window; "
+                                             "the window is not redrawn\n", width, height);
+    saidNoPixels_ = true;
     cairo_surface_destroy(image_);
     image_ = nullptr;
     return false;
   }
+  saidNoPixels_ = false;
   return true;
 }
 

@@ -37,6 +37,7 @@ class GlCanvas final : public WindowCanvas {
   SDL_Texture* texture_ = nullptr;
   cairo_surface_t* image_ = nullptr;
   bool kept_ = false;
+  bool saidNoPixels_ = false;  // since the last size that worked
 };
 
 }  // namespace zb

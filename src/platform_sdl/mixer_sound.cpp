@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -30,18 +32,59 @@ constexpr int kLoopFadeInMs = 60;
 // give up 5 dB together and keep their levels relative to each other.
 constexpr int kEffectsMasterVolume = 72;
 
-// A sound effect is decoded whole into memory, so a file far larger than any effect would stall the
-// game on every jump and could exhaust the memory; such a file is refused before it is opened.
-constexpr uintmax_t kMaxEffectBytes = uintmax_t{32} << 20;
+// A sound effect is decoded whole into memory when it first plays, in the middle of a frame. A long one
+// would stall the game and could take gigabytes (a low-bitrate MP3 grows about 176 times), so an
+// effect may last this long at most; its length is read from its headers before it is decoded.
+constexpr double kMaxEffectSeconds = 10;
+// Headers can lie, so the file's size is bounded too: ten seconds of uncompressed stereo at 48 kHz and
+// 24 bits, which no compressed effect of that length comes near. A file refused here is not opened.
+constexpr uintmax_t kMaxEffectBytes = uintmax_t{3} << 20;
 
 // Whether the file can be handed to the decoder without blocking (a FIFO would wait for a writer)
-// or decoding more than `maxBytes` of it.
+// or decoding more than `maxBytes` of it. An empty file is no sound (and the decoder would complain).
 bool isLoadable(const std::filesystem::path& file, uintmax_t maxBytes) {
   std::error_code error;
   const auto status = std::filesystem::status(file, error);
   if (error || !std::filesystem::is_regular_file(status)) return false;
   const uintmax_t size = std::filesystem::file_size(file, error);
-  return !error && size <= maxBytes;
+  return !error && size > 0 && size <= maxBytes;
+}
+
+// The length in seconds that the file's headers give, read by the streaming decoder, which opens a file
+// without decoding it; nothing when it cannot tell.
+std::optional<double> declaredSeconds(const std::filesystem::path& file) {
+  Mix_Music* music = Mix_LoadMUS(file.c_str());
+  if (music == nullptr) return std::nullopt;
+  const double seconds = Mix_MusicDuration(music);
+  Mix_FreeMusic(music);
+  if (!(seconds >= 0)) return std::nullopt;
+  return seconds;
+}
+
+// Decoded bytes a second at the mixer's output format.
+uintmax_t bytesPerSecondOfMixer() {
+  int rate = 0, channels = 0;
+  Uint16 format = 0;
+  if (Mix_QuerySpec(&rate, &format, &channels) == 0) return 0;
+  return static_cast<uintmax_t>(rate) * static_cast<uintmax_t>(channels) * (SDL_AUDIO_BITSIZE(format) / 8);
+}
+
+// The effect decoded, or nothing, with one line saying why when it is too long to be an effect.
+Mix_Chunk* loadEffect(const std::filesystem::path& file, uintmax_t maxDecodedBytes) {
+  const std::string name = file.filename().string();  // one of the game's own sound names
+  if (const std::optional<double> seconds = declaredSeconds(file); seconds && *seconds > kMaxEffectSeconds) {
+    std::fprintf(stderr, "zindlebop: the sound %s lasts %.0f s, longer than the %.0f s an effect may; it stays silent\n",
+                 name.c_str(), *seconds, kMaxEffectSeconds);
+    return nullptr;
+  }
+  Mix_Chunk* chunk = Mix_LoadWAV(file.c_str());
+  if (chunk != nullptr && chunk->alen > maxDecodedBytes) {
+    std::fprintf(stderr, "zindlebop: the sound %s decodes to more than the %.0f s an effect may; it stays silent\n",
+                 name.c_str(), kMaxEffectSeconds);
+    Mix_FreeChunk(chunk);
+    return nullptr;
+  }
+  return chunk;
 }
 
 int mixerVolume(float volume) {
@@ -57,6 +100,8 @@ struct MixerSoundOutput::Impl {
   std::set<std::string, std::less<>> failedEffects;
   Mix_Music* music = nullptr;
   const AudioNode* musicNode = nullptr;
+  // The most an effect may take decoded: kMaxEffectSeconds at the mixer's format.
+  uintmax_t maxDecodedEffectBytes = 0;
 
   void stopMusic() {
     if (!music) return;
@@ -80,6 +125,8 @@ std::unique_ptr<MixerSoundOutput> MixerSoundOutput::open() {
   Mix_MasterVolume(kEffectsMasterVolume);
   std::unique_ptr<MixerSoundOutput> output(new MixerSoundOutput());
   output->impl_ = std::make_unique<Impl>();
+  output->impl_->maxDecodedEffectBytes =
+      static_cast<uintmax_t>(kMaxEffectSeconds * static_cast<double>(bytesPerSecondOfMixer()));
   return output;
 }
 
@@ -96,7 +143,7 @@ bool MixerSoundOutput::playEffect(const std::filesystem::path& file) {
   const std::string name = file.string();
   if (impl_->failedEffects.contains(name)) return false;
   Mix_Chunk*& chunk = impl_->effects[name];
-  if (!chunk && isLoadable(file, kMaxEffectBytes)) chunk = Mix_LoadWAV(file.c_str());
+  if (!chunk && isLoadable(file, kMaxEffectBytes)) chunk = loadEffect(file, impl_->maxDecodedEffectBytes);
   if (!chunk) {
     impl_->effects.erase(name);
     impl_->failedEffects.insert(name);

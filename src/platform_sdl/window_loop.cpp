@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 
 #include "engine/view.hpp"
 #include "platform/frame_pacer.hpp"
@@ -65,6 +66,7 @@ class WindowHost final : public FrameLoopHost {
       : view_(view), window_(window), canvas_(canvas), pacer_(pacer), gamepads_(gamepads) {}
 
   bool handleEvents() override {
+    if (mismatch_) return false;
     if (!drainEvents(view_, window_, canvas_, pacer_, gamepads_)) return false;
     window_.postFullScreenChanges(view_.notificationCenter());
     followWindowSize(view_, window_);
@@ -73,8 +75,18 @@ class WindowHost final : public FrameLoopHost {
   double now() override { return secondsNow(); }
   void waitFor(double seconds) override { waitForNextStep(seconds); }
   bool minimized() override { return window_.isMinimized(); }
-  bool draw(double framesPerSecond) override { return canvas_.drawFrame(renderer_, view_, framesPerSecond); }
+  bool draw(double framesPerSecond) override {
+    if (!canvas_.drawFrame(renderer_, view_, framesPerSecond)) return false;
+    ++framesDrawn_;
+    if (const int64_t differing = renderer_.mismatchedPixels(); differing > 0 && !mismatch_) {
+      mismatch_ = true;
+      std::fprintf(stderr, "zindlebop: frame %lld drawn from its changes differs from a full redraw in %lld pixels\n",
+                   static_cast<long long>(framesDrawn_), static_cast<long long>(differing));
+    }
+    return true;
+  }
   Renderer& renderer() { return renderer_; }
+  bool mismatch() const { return mismatch_; }
 
  private:
   View& view_;
@@ -83,6 +95,8 @@ class WindowHost final : public FrameLoopHost {
   FramePacer& pacer_;
   SdlGamepads* gamepads_;
   Renderer renderer_;
+  int64_t framesDrawn_ = 0;
+  bool mismatch_ = false;
 };
 
 }  // namespace
@@ -93,7 +107,10 @@ FrameLoopStats runFrameLoop(View& view, SdlWindow& window, WindowCanvas& canvas,
   pacer.setSpeed(options.gameSpeed);
   WindowHost host(view, window, canvas, pacer, gamepads);
   host.renderer().setTracksDamage(options.tracksDamage);
-  return runFrames(view, pacer, host, options);
+  host.renderer().setVerifies(options.verifiesDamage);
+  FrameLoopStats stats = runFrames(view, pacer, host, options);
+  stats.damageMismatch = host.mismatch();
+  return stats;
 }
 
 }  // namespace zb

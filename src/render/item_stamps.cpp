@@ -125,13 +125,15 @@ uint64_t pathLook(const Path& path) {
 }
 
 // Completes the item's record from its stamps: the box of them all and the fingerprint of what they
-// paint (their masks, colours and places).
+// paint: their masks, colours, the part of the frame they cover and where each mask lies. A mask's
+// key names its pixels relative to the item, not its place, and an item wider than the frame covers
+// the same part of it wherever it moves.
 void recordStamps(StampedItem& item, KeyKind kind, const std::vector<Stamp>& stamps) {
   LookHash hash;
   hash.add(item.node).add(static_cast<uint64_t>(kind));
   PixelRect box;
   for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
-    hash.add(stamps[i].key).add(stamps[i].color).add(stamps[i].box);
+    hash.add(stamps[i].key).add(stamps[i].color).add(stamps[i].box).add(stamps[i].maskBox);
     box = box.unionWith(stamps[i].box);
   }
   item.record.look = hash.value();

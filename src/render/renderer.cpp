@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -282,6 +283,16 @@ pixman_image_t* Renderer::maskOf(const StampedItem& item, const Stamp& stamp) {
     if (drawn) image = masks_.keep(stamp.key, mask);
   }
   cairo_surface_destroy(mask);
+  if (image == nullptr) {
+    // Out of memory: the item is missing from this frame, which is then not kept as a base for the
+    // next, and the player is told once.
+    if (!maskFailed_) {
+      std::fprintf(stderr, "zindlebop: no memory for a %dx%d pixel mask; an item is missing from the picture\n",
+                   stamp.maskBox.width, stamp.maskBox.height);
+    }
+    maskFailed_ = true;
+    missingMasks_ = true;
+  }
   return image;
 }
 
@@ -363,6 +374,7 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
     if (pixels != nullptr) pixman_image_unref(pixels);
     draw(cr, view, pixelScale, framesPerSecond);
     hasPrevious_ = false;
+    mismatchedPixels_ = 0;
     damage_.assign(1, frame);
     return damage_;
   }
@@ -379,14 +391,16 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
   }
   std::swap(previous_, records_);
   previousBackdrop_ = backdrop;
-  hasPrevious_ = true;
 
+  missingMasks_ = false;
   if (!damage_.empty()) {
     // Every stamp paints each pixel from its mask and what lies below alone, so drawing only inside
     // the damaged boxes, straight over the previous frame, gives exactly a full redraw's pixels.
     paint(pixels, view.scene(), damage_);
     cairo_surface_mark_dirty(surface);
   }
+  hasPrevious_ = !missingMasks_;
+  mismatchedPixels_ = reference_ ? pixelsUnlikeFullRedraw(pixels, view, pixelScale, framesPerSecond) : 0;
   pixman_image_unref(pixels);
   return damage_;
 }
@@ -430,6 +444,44 @@ PngWrite writePngFile(cairo_surface_t* image, const std::filesystem::path& file)
   if (encoded != CAIRO_STATUS_SUCCESS && encoded != CAIRO_STATUS_WRITE_ERROR) return failureOf(encoded);
   if (!written) return PngWrite{PngWrite::cannotWrite, written.reason()};
   return {};
+}
+
+void Renderer::setVerifies(bool on) {
+  if (!on) {
+    reference_.reset();
+    mismatchedPixels_ = 0;
+  } else if (!reference_) {
+    reference_ = std::make_unique<Renderer>();
+  }
+}
+
+int64_t Renderer::pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale,
+                                         double framesPerSecond) {
+  const int width = pixman_image_get_width(drawn), height = pixman_image_get_height(drawn);
+  const bool opaque = pixman_image_get_format(drawn) == PIXMAN_x8r8g8b8;
+  cairo_surface_t* full = cairo_image_surface_create(opaque ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, width, height);
+  if (cairo_surface_status(full) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(full);
+    return 0;  // nothing to compare with; the frame itself was drawn
+  }
+  // Masks kept from earlier frames would hide a mask whose key does not hold all that decides it.
+  reference_->masks_.clear();
+  cairo_t* cr = cairo_create(full);
+  reference_->draw(cr, view, pixelScale, framesPerSecond);
+  cairo_destroy(cr);
+  cairo_surface_flush(full);
+  const uint32_t unused = opaque ? 0xff000000u : 0;  // the fourth byte of an opaque pixel means nothing
+  const auto* a = reinterpret_cast<const unsigned char*>(pixman_image_get_data(drawn));
+  const auto* b = cairo_image_surface_get_data(full);
+  const int strideA = pixman_image_get_stride(drawn), strideB = cairo_image_surface_get_stride(full);
+  int64_t differing = 0;
+  for (int y = 0; y < height; ++y) {
+    const auto* rowA = reinterpret_cast<const uint32_t*>(a + static_cast<std::ptrdiff_t>(y) * strideA);
+    const auto* rowB = reinterpret_cast<const uint32_t*>(b + static_cast<std::ptrdiff_t>(y) * strideB);
+    for (int x = 0; x < width; ++x) differing += ((rowA[x] ^ rowB[x]) & ~unused) != 0;
+  }
+  cairo_surface_destroy(full);
+  return differing;
 }
 
 PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {

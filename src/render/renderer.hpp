@@ -7,6 +7,7 @@
 // most pixels stay the same from one frame to the next, so drawChanges redraws only the boxes where
 // the frame can differ from the previous one, over that previous frame, with exactly the pixels a
 // full redraw would give.
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <vector>
@@ -56,6 +57,12 @@ class Renderer {
   void setTracksDamage(bool on) { tracksDamage_ = on; }
   bool tracksDamage() const { return tracksDamage_; }
 
+  // With verification on, every frame drawChanges draws is drawn whole once more, from no kept masks,
+  // by a renderer of its own, and the two are compared pixel by pixel.
+  void setVerifies(bool on);
+  // The pixels where the last frame drawChanges drew differs from that full redraw; 0 when not verifying.
+  int64_t mismatchedPixels() const { return mismatchedPixels_; }
+
   // The masks kept between frames, for measurements.
   const StampCache& masks() const { return masks_; }
 
@@ -72,8 +79,10 @@ class Renderer {
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
   void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
-  // The mask of one of an item's stamps, found or drawn now; nullptr when memory runs out.
+  // The mask of one of an item's stamps, found or drawn now; nullptr, said once, when memory runs out.
   pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
+  // Draws the frame whole into an image of its own and counts the pixels where `drawn` differs.
+  int64_t pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale, double framesPerSecond);
   // Paints the background and every item into `target`, inside `boxes` only.
   void paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes);
   void paintBox(pixman_image_t* target, const Scene* scene, const PixelRect& box);
@@ -94,6 +103,10 @@ class Renderer {
   std::vector<DrawRecord> previous_;
   std::vector<DrawRecord> records_;
   std::vector<PixelRect> damage_;
+  std::unique_ptr<Renderer> reference_;  // draws every frame whole, when verifying
+  int64_t mismatchedPixels_ = 0;
+  bool maskFailed_ = false;    // ever: said once
+  bool missingMasks_ = false;  // in the frame being drawn
 };
 
 }  // namespace zb

@@ -177,7 +177,9 @@ void GameScene::loadComfortOptions() {
   // One line, whatever the file holds: as many names as fit, then how many more there are.
   constexpr size_t kLongestNameShown = 40;
   constexpr std::string_view kHeading = "ignoring unknown key names in the preferences:";
-  constexpr size_t kRoomForCount = 24;  // "zindlebop: " and " and 12345 more"
+  // "zindlebop: " before the heading and " and N more" after the names, N as long as a count can be.
+  constexpr size_t kRoomForCount =
+      std::string_view("zindlebop: ").size() + std::string_view(" and 18446744073709551615 more").size();
   std::string names;
   size_t shown = 0;
   for (const std::string& name : comfort_.unknownKeyNames) {

@@ -1,7 +1,10 @@
-// A long autoplay under watch: the scene's tree and the obstacle pool stay small and the process's
-// resident memory stays flat once warmed up, run after run. The test command plays a short soak;
+// A long autoplay under watch: the scene's tree and the obstacle pool stay small, the process's
+// resident memory stays flat once warmed up, run after run, and each frame drawn from its changes, as
+// the window draws it, matches a full redraw (as with ZINDLEBOP_DAMAGE=verify): the first 10,000
+// frames, or all of them when ZINDLEBOP_DAMAGE=verify is set. The test command plays a short soak;
 // the `soak` target plays a million frames by setting ZB_SOAK_FRAMES. Leaks and undefined behaviour
 // are the sanitizers' part, in the sanitizer build.
+#include <cairo.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,9 +12,11 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <string_view>
 
 #include "headless/headless_session.hpp"
 #include "headless/headless_test_support.hpp"
+#include "platform/renderer.hpp"
 
 // The address sanitizer's, when it is linked in: it hands back the freed blocks that the sanitizer
 // holds back to catch late uses, so that only memory still in use counts.
@@ -33,12 +38,27 @@ TEST(Soak, LongAutoplayKeepsTreePoolAndMemoryBounded) {
   constexpr uint64_t kSampleFrames = 5'000, kWarmUpFrames = 20'000;
   const char* asked = std::getenv("ZB_SOAK_FRAMES");
   const uint64_t frames = asked != nullptr ? std::strtoull(asked, nullptr, 10) : 100'000;
+  // Verifying costs about half a millisecond a frame (several under the sanitizers).
+  constexpr uint64_t kVerifiedFrames = 10'000;
+  const char* damage = std::getenv("ZINDLEBOP_DAMAGE");
+  const uint64_t verifiedFrames = damage != nullptr && std::string_view(damage) == "verify" ? frames : kVerifiedFrames;
   ASSERT_GT(frames, kWarmUpFrames) << "ZB_SOAK_FRAMES asks for too few frames";
   std::ostringstream out;
   HeadlessSession session(quietOptions(5), out);
+  Renderer renderer;
+  renderer.setVerifies(true);
+  const PixelSize pixels{static_cast<int>(session.view().size().width), static_cast<int>(session.view().size().height)};
+  cairo_surface_t* window = cairo_image_surface_create(CAIRO_FORMAT_RGB24, pixels.width, pixels.height);
   long warmKB = -1, largestKB = 0;
   for (uint64_t at = kSampleFrames; at <= frames; at += kSampleFrames) {
-    session.run(AutoplayCommand{kSampleFrames});
+    for (uint64_t frame = at - kSampleFrames; frame < at && frame < verifiedFrames; ++frame) {
+      session.run(AutoplayCommand{1});
+      cairo_t* cr = cairo_create(window);
+      renderer.drawChanges(cr, pixels, session.view(), 1, 60, frame > 0);
+      cairo_destroy(cr);
+      ASSERT_EQ(renderer.mismatchedPixels(), 0) << "frame " << frame << " differs from a full redraw";
+    }
+    if (at > verifiedFrames) session.run(AutoplayCommand{kSampleFrames});
     out.str("");
     session.run(DumpCommand{});
     const Json dump = Json::parse(out.str());
@@ -53,6 +73,7 @@ TEST(Soak, LongAutoplayKeepsTreePoolAndMemoryBounded) {
   // Enough to catch memory kept a few bytes a frame. The address sanitizer's own record of where
   // blocks were allocated grows by about 2 MB in a million frames.
   EXPECT_LT(largestKB - warmKB, 8 * 1024) << "resident memory grew after warm-up, from " << warmKB << " kB";
+  cairo_surface_destroy(window);
   std::cout << "soak: " << frames << " frames; resident " << warmKB << " kB after warm-up, at most " << largestKB
             << " kB\n";
 }

@@ -182,6 +182,20 @@ TEST_F(SoundLevels, HugeFilesPipesAndFailedLoadsAreRefusedWithoutHurtingOtherFil
   fs::copy_file(jump, folder.path() / "huge.mp3");
   fs::resize_file(folder.path() / "huge.mp3", 64u << 20);  // sparse on disk
   EXPECT_FALSE(output_->playEffect(folder.path() / "huge.mp3"));
+  // A minute at the lowest bitrate: 60 kB on disk, 10 MB decoded. Refused once, with one line, before
+  // it is decoded; the same file still streams as music.
+  const fs::path minute = folder.path() / "minute.mp3";
+  ASSERT_EQ(std::system(("sox -n -r 8000 -c 1 -C 8 '" + minute.string() + "' synth 60 sine 440").c_str()), 0);
+  testing::internal::CaptureStderr();
+  EXPECT_FALSE(output_->playEffect(minute));
+  EXPECT_FALSE(output_->playEffect(minute));
+  const std::string said = testing::internal::GetCapturedStderr();
+  EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+  EXPECT_NE(said.find("minute.mp3 lasts 60 s"), std::string::npos) << said;
+  AudioNode music(minute);
+  output_->startLoop(music);
+  EXPECT_TRUE(Mix_PlayingMusic());
+  output_->stopLoop(music);
   ASSERT_EQ(::mkfifo((folder.path() / "pipe.mp3").c_str(), 0600), 0);
   EXPECT_FALSE(output_->playEffect(folder.path() / "pipe.mp3"));  // returns instead of waiting for a writer
   EXPECT_FALSE(output_->playEffect(folder.path() / "missing.mp3"));

@@ -2,12 +2,16 @@
 #include <gtest/gtest.h>
 #include <cairo.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <memory>
+#include <random>
 #include <sstream>
 
 #include "headless/headless_session.hpp"
+#include "engine/scene.hpp"
+#include "engine/shape_node.hpp"
 #include "render/renderer.hpp"
 
 namespace zb::test {
@@ -32,34 +36,44 @@ int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
 }
 
 // Each frame drawn twice: only its changes over the kept previous frame, as in the window, and whole.
-struct TrackedRun {
-  std::ostringstream out;
-  HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
+// The renderer's own verification must count the same differing pixels.
+struct TrackedDrawing {
   Renderer tracked, full;
   Surface kept{nullptr, cairo_surface_destroy};
-  double pixelScale = 1;
-  int64_t framesWithDiff = 0;
+  int64_t framesWithDiff = 0, worstDiff = 0;
+
+  TrackedDrawing() { tracked.setVerifies(true); }
 
   // Returns the share of the picture that was redrawn.
-  double drawAndCompare(uint64_t frame) {
-    const Size size = session.view().size();
+  double drawAndCompare(const View& view, double pixelScale, uint64_t frame) {
+    const Size size = view.size();
     const PixelSize pixels{static_cast<int>(size.width * pixelScale), static_cast<int>(size.height * pixelScale)};
     const bool stillThere = kept && cairo_image_surface_get_width(kept.get()) == pixels.width &&
                             cairo_image_surface_get_height(kept.get()) == pixels.height;
     if (!stillThere) kept = image(pixels);
     const Surface reference = image(pixels);
     cairo_t* cr = cairo_create(kept.get());
-    const auto& damage = tracked.drawChanges(cr, pixels, session.view(), pixelScale, 60, stillThere);
+    const auto& damage = tracked.drawChanges(cr, pixels, view, pixelScale, 60, stillThere);
     cairo_destroy(cr);
     cr = cairo_create(reference.get());
-    full.draw(cr, session.view(), pixelScale, 60);
+    full.draw(cr, view, pixelScale, 60);
     cairo_destroy(cr);
     const int64_t differing = differingPixels(kept.get(), reference.get());
+    EXPECT_EQ(tracked.mismatchedPixels(), differing) << "frame " << frame << ": verification";
+    worstDiff = std::max(worstDiff, differing);
     if (differing != 0 && ++framesWithDiff <= 5) ADD_FAILURE() << "frame " << frame << ": " << differing << " differ";
     int64_t drawn = 0;
     for (const PixelRect& r : damage) drawn += r.area();
     return static_cast<double>(drawn) / (int64_t{pixels.width} * pixels.height);
   }
+};
+
+struct TrackedRun : TrackedDrawing {
+  std::ostringstream out;
+  HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
+  double pixelScale = 1;
+
+  double drawAndCompare(uint64_t frame) { return TrackedDrawing::drawAndCompare(session.view(), pixelScale, frame); }
 };
 
 TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedrawsNothing) {
@@ -104,6 +118,58 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedraws
   EXPECT_LT(redrawn, 4000 / 3) << "far less than the whole picture is redrawn";
   run.tracked.setTracksDamage(false);
   EXPECT_EQ(run.drawAndCompare(4000), 1) << "with tracking off everything is redrawn";
+}
+
+// A random shape: a rectangle, a circle or a line, up to three times the frame's size, filled, outlined
+// or both, somewhere across the frame.
+std::shared_ptr<ShapeNode> randomShape(std::mt19937& random, Size frame) {
+  std::uniform_real_distribution<double> unit(0, 1);
+  const double extent = std::max(frame.width, frame.height) * 3 * unit(random) + 1;
+  std::shared_ptr<ShapeNode> shape;
+  switch (random() % 3) {
+    case 0: shape = ShapeNode::withRectOfSize({extent, extent * unit(random) + 1}); break;
+    case 1: shape = ShapeNode::withCircleOfRadius(extent / 2); break;
+    default: shape = ShapeNode::withPath(Path::line({-extent / 2, 0}, {extent / 2, extent * (unit(random) - 0.5)}));
+  }
+  const auto color = [&] { return Color::rgba(unit(random), unit(random), unit(random), 0.3 + 0.7 * unit(random)); };
+  shape->fillColor = random() % 3 == 0 ? Color::clear() : color();
+  shape->strokeColor = random() % 3 == 0 ? Color::clear() : color();
+  shape->lineWidth = 4 * unit(random);
+  shape->position = {frame.width * (2 * unit(random) - 0.5), frame.height * (2 * unit(random) - 0.5)};
+  shape->zRotation = random() % 2 == 0 ? 0 : 6.3 * unit(random);
+  return shape;
+}
+
+// Items larger than the frame and crossing it, in frames 1 to 100 points wide, moving by whole and by
+// fractional pixels, turning and fading: every frame drawn from its changes is a full redraw's.
+TEST(DamageTracking, RandomItemsCrossingSmallFramesMatchAFullRedrawOnEveryFrame) {
+  std::mt19937 random(20);
+  std::uniform_real_distribution<double> unit(0, 1);
+  int64_t framesWithDiff = 0, worstDiff = 0;
+  for (int trial = 0; trial < 60; ++trial) {
+    const Size frame{1.0 + random() % 100, 1.0 + random() % 100};
+    View view(frame);
+    auto scene = std::make_shared<Scene>();
+    view.presentScene(scene);
+    for (int i = 0, count = 1 + static_cast<int>(random() % 5); i < count; ++i) scene->addChild(randomShape(random, frame));
+    TrackedDrawing drawing;
+    for (uint64_t step = 0; step < 50; ++step) {
+      for (const NodePtr& node : scene->children()) {
+        switch (random() % 6) {
+          case 0: node->position.x += static_cast<int>(random() % 7) - 3.0; break;  // whole pixels
+          case 1: node->position.y += static_cast<int>(random() % 7) - 3.0; break;
+          case 2: node->position.x += 4 * unit(random) - 2; node->position.y += 4 * unit(random) - 2; break;
+          case 3: node->zRotation += unit(random) - 0.5; break;
+          case 4: node->alpha = unit(random); break;
+          default: break;  // still
+        }
+      }
+      drawing.drawAndCompare(view, 1, step);
+    }
+    framesWithDiff += drawing.framesWithDiff;
+    worstDiff = std::max(worstDiff, drawing.worstDiff);
+  }
+  EXPECT_EQ(framesWithDiff, 0) << "at worst " << worstDiff << " pixels differ";
 }
 
 }  // namespace
