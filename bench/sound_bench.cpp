@@ -10,7 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include "engine/resources.hpp"
-#include "platform/mixer_sound.hpp"
+#include "platform_sdl/mixer_sound.hpp"
 #include "platform/resource_paths.hpp"
 
 namespace zb::bench {

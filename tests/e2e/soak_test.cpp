@@ -16,7 +16,7 @@
 
 #include "headless/headless_session.hpp"
 #include "headless/headless_test_support.hpp"
-#include "platform/renderer.hpp"
+#include "render/renderer.hpp"
 
 // The address sanitizer's, when it is linked in: it hands back the freed blocks that the sanitizer
 // holds back to catch late uses, so that only memory still in use counts.
