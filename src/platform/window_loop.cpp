@@ -73,7 +73,10 @@ class WindowHost final : public FrameLoopHost {
   double now() override { return secondsNow(); }
   void waitFor(double seconds) override { waitForNextStep(seconds); }
   bool minimized() override { return window_.isMinimized(); }
-  bool draw(double framesPerSecond) override { return canvas_.drawFrame(renderer_, view_, framesPerSecond); }
+  double vblankPeriod() override { return canvas_.vblankPeriod(); }
+  bool draw(double framesPerSecond, double stepFraction) override {
+    return canvas_.drawFrame(renderer_, view_, framesPerSecond, stepFraction);
+  }
   Renderer& renderer() { return renderer_; }
 
  private:

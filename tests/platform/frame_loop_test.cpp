@@ -24,7 +24,7 @@ struct FakeHost : FrameLoopHost {
   double now() override { return clock; }
   void waitFor(double seconds) override { log += seconds > 0 && seconds <= 1.0 / 60 ? 'w' : '?'; }
   bool minimized() override { return isMinimized; }
-  bool draw(double) override {
+  bool draw(double, double) override {
     log += 'd';
     return true;
   }
