@@ -1,0 +1,136 @@
+#pragma once
+// The real frame loop against a fake display: a game in play, the built-in player at the keys, and a
+// clock that moves only when the loop waits or a present waits for the next vertical blank. Each
+// drawn frame notes where the oldest obstacle is drawn, to tell how evenly motion reaches the screen.
+// The motion benchmark prints its table from this; a test holds a few of its cases to the targets.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "engine/input_event.hpp"
+#include "engine/view.hpp"
+#include "platform/frame_loop.hpp"
+#include "platform/frame_pacer.hpp"
+#include "player/autoplay.hpp"
+#include "scene/game_scene.hpp"
+
+namespace zb::bench {
+
+// A display presenting at every vertical blank of `hz`, or, at 0 Hz, frames paced by the loop's timer
+// (the framebuffer path).
+struct DisplayCase {
+  double hz = 60;
+  double speed = 1;
+};
+
+// Over the frames drawn while a run went on and the same obstacle was on screen in the frame before.
+// Moves are in steps of the obstacles' speed at the time.
+struct MotionTally {
+  int64_t frames = 0;
+  int64_t still = 0;  // frames in which the obstacle was drawn where it was in the frame before
+  double smallestMove = std::numeric_limits<double>::infinity();
+  double largestMove = 0;
+  std::vector<double> frameIntervals;  // seconds between consecutive presents, every frame
+  int64_t framesDrawn = 0;
+  int64_t steps = 0;
+
+  double stepRatio() const { return frames > 0 && smallestMove > 0 ? largestMove / smallestMove : 0; }
+};
+
+// Called after each frame is drawn, with how far between the last two steps it was drawn.
+using FrameHook = std::function<void(View&, double stepFraction)>;
+
+class FakeDisplay final : public FrameLoopHost {
+ public:
+  FakeDisplay(DisplayCase display, double seconds, GameScene& scene, FrameHook hook)
+      : display_(display), seconds_(seconds), scene_(scene), hook_(std::move(hook)) {}
+
+  bool handleEvents() override { return clock_ < seconds_ && ++passes_ < kMaxPasses; }
+  double now() override { return clock_; }
+  void waitFor(double seconds) override { clock_ += std::max(seconds, 0.0); }
+  bool minimized() override { return false; }
+  double vblankPeriod() override { return display_.hz > 0 ? 1 / display_.hz : 0; }
+
+  bool draw(double, double stepFraction) override {
+    if (hook_) hook_(*scene_.view(), stepFraction);
+    noteObstacle(stepFraction);
+    if (display_.hz > 0) {
+      // Presenting waits for the next vertical blank.
+      const double period = 1 / display_.hz;
+      clock_ = (std::floor(clock_ / period + kClockSlack) + 1) * period;
+    }
+    if (lastPresent_ >= 0) tally_.frameIntervals.push_back(clock_ - lastPresent_);
+    lastPresent_ = clock_;
+    return true;
+  }
+
+  MotionTally& tally() { return tally_; }
+
+ private:
+  static constexpr int64_t kMaxPasses = 10'000'000;
+  static constexpr double kClockSlack = 1e-9;
+
+  void noteObstacle(double stepFraction) {
+    const bool running = scene_.gameState == GameScene::GameState::playing && !scene_.obstacleNodes.empty();
+    const Node* obstacle = running ? scene_.obstacleNodes.front().get() : nullptr;
+    // Only an obstacle on screen counts: one waiting beyond the right edge is not seen to stand still.
+    if (obstacle && !(obstacle->frame().minX() < scene_.size().width)) obstacle = nullptr;
+    const double x = obstacle ? obstacle->placementBetweenSteps(stepFraction).position.x : 0;
+    if (obstacle && obstacle == lastObstacle_) {
+      // In steps of the obstacles' speed, which grows during a run: a faster game is not uneven motion.
+      const double move = (lastX_ - x) / scene_.obstacleSpeed;
+      ++tally_.frames;
+      if (move == 0) ++tally_.still;
+      if (move > 0) tally_.smallestMove = std::min(tally_.smallestMove, move);
+      tally_.largestMove = std::max(tally_.largestMove, move);
+    }
+    lastObstacle_ = obstacle;
+    lastX_ = x;
+  }
+
+  DisplayCase display_;
+  double seconds_;
+  GameScene& scene_;
+  FrameHook hook_;
+  MotionTally tally_;
+  double clock_ = 0;
+  double lastPresent_ = -1;
+  int64_t passes_ = 0;
+  const Node* lastObstacle_ = nullptr;
+  double lastX_ = 0;
+};
+
+// Plays `seconds` of display time at `display` and tallies the obstacle's motion on screen.
+inline MotionTally measureMotion(DisplayCase display, double seconds, Size size, uint64_t seed, FrameHook hook = {}) {
+  View view(size);
+  auto scene = std::make_shared<GameScene>(size);
+  scene->random().seed(seed);
+  view.presentScene(scene);
+  Autoplayer player;
+  FrameLoopOptions options;
+  options.gameSpeed = display.speed;
+  options.beforeStep = [&] {
+    for (const KeyStroke& stroke : player.play(*scene)) {
+      const KeyEvent event{stroke.keyCode, 0, false};
+      if (stroke.down) {
+        view.keyDown(event);
+      } else {
+        view.keyUp(event);
+      }
+    }
+  };
+  FramePacer pacer(display.hz >= 59 && display.hz <= 61);
+  pacer.setSpeed(display.speed);
+  FakeDisplay host(display, seconds, *scene, std::move(hook));
+  const FrameLoopStats stats = runFrames(view, pacer, host, options);
+  view.dismissScene();
+  host.tally().framesDrawn = stats.framesDrawn;
+  host.tally().steps = stats.steps;
+  return host.tally();
+}
+
+}  // namespace zb::bench
