@@ -51,7 +51,8 @@ class FakeDisplay final : public FrameLoopHost {
 
   bool handleEvents() override { return clock_ < seconds_ && ++passes_ < kMaxPasses; }
   double now() override { return clock_; }
-  void waitFor(double seconds) override { clock_ += std::max(seconds, 0.0); }
+  // A real wait lasts a little at least; a clock that never moved would spin the loop.
+  void waitFor(double seconds) override { clock_ += std::max(seconds, kShortestWait); }
   bool minimized() override { return false; }
   double vblankPeriod() override { return display_.hz > 0 ? 1 / display_.hz : 0; }
 
@@ -69,10 +70,17 @@ class FakeDisplay final : public FrameLoopHost {
   }
 
   MotionTally& tally() { return tally_; }
+  // Before each step: the speed the step moves the obstacles by.
+  void stepping() {
+    lastStepSpeed_ = stepSpeed_;
+    stepSpeed_ = scene_.obstacleSpeed;
+    moveSpeed_ = lastStepSpeed_ == stepSpeed_ ? stepSpeed_ : 0;
+  }
 
  private:
   static constexpr int64_t kMaxPasses = 10'000'000;
   static constexpr double kClockSlack = 1e-9;
+  static constexpr double kShortestWait = 1e-6;
 
   void noteObstacle(double stepFraction) {
     const bool running = scene_.gameState == GameScene::GameState::playing && !scene_.obstacleNodes.empty();
@@ -81,15 +89,19 @@ class FakeDisplay final : public FrameLoopHost {
     if (obstacle && !(obstacle->frame().minX() < scene_.size().width)) obstacle = nullptr;
     const double x = obstacle ? obstacle->placementBetweenSteps(stepFraction).position.x : 0;
     if (obstacle && obstacle == lastObstacle_) {
-      // In steps of the obstacles' speed, which grows during a run: a faster game is not uneven motion.
-      const double move = (lastX_ - x) / scene_.obstacleSpeed;
+      const double move = lastX_ - x;
       ++tally_.frames;
       if (move == 0) ++tally_.still;
-      if (move > 0) tally_.smallestMove = std::min(tally_.smallestMove, move);
-      tally_.largestMove = std::max(tally_.largestMove, move);
+      // The speed grows during a run: a frame whose move spans a change of speed is no measure of
+      // evenness. Moves are compared in steps of the speed.
+      if (moveSpeed_ == lastMoveSpeed_ && moveSpeed_ > 0) {
+        tally_.smallestMove = std::min(tally_.smallestMove, move / moveSpeed_);
+        tally_.largestMove = std::max(tally_.largestMove, move / moveSpeed_);
+      }
     }
     lastObstacle_ = obstacle;
     lastX_ = x;
+    lastMoveSpeed_ = moveSpeed_;
   }
 
   DisplayCase display_;
@@ -102,6 +114,11 @@ class FakeDisplay final : public FrameLoopHost {
   int64_t passes_ = 0;
   const Node* lastObstacle_ = nullptr;
   double lastX_ = 0;
+  // The speed of the last two steps' moves, and that of the frames' moves (0 while it changes).
+  double stepSpeed_ = 0;
+  double lastStepSpeed_ = 0;
+  double moveSpeed_ = 0;
+  double lastMoveSpeed_ = 0;
 };
 
 // Plays `seconds` of display time at `display` and tallies the obstacle's motion on screen.
@@ -113,7 +130,11 @@ inline MotionTally measureMotion(DisplayCase display, double seconds, Size size,
   Autoplayer player;
   FrameLoopOptions options;
   options.gameSpeed = display.speed;
+  FramePacer pacer(display.hz >= 59 && display.hz <= 61);
+  pacer.setSpeed(display.speed);
+  FakeDisplay host(display, seconds, *scene, std::move(hook));
   options.beforeStep = [&] {
+    host.stepping();
     for (const KeyStroke& stroke : player.play(*scene)) {
       const KeyEvent event{stroke.keyCode, 0, false};
       if (stroke.down) {
@@ -123,9 +144,6 @@ inline MotionTally measureMotion(DisplayCase display, double seconds, Size size,
       }
     }
   };
-  FramePacer pacer(display.hz >= 59 && display.hz <= 61);
-  pacer.setSpeed(display.speed);
-  FakeDisplay host(display, seconds, *scene, std::move(hook));
   const FrameLoopStats stats = runFrames(view, pacer, host, options);
   view.dismissScene();
   host.tally().framesDrawn = stats.framesDrawn;
