@@ -122,7 +122,8 @@ void recordStamps(StampedItem& item, KeyKind kind, const std::vector<Stamp>& sta
   hash.add(item.node).add(static_cast<uint64_t>(kind));
   PixelRect box;
   for (std::size_t i = item.firstStamp; i < item.firstStamp + item.stampCount; ++i) {
-    hash.add(stamps[i].key).add(stamps[i].color).add(stamps[i].box);
+    // The mask's place too: a large item clipped by the frame keeps its key and box while it moves.
+    hash.add(stamps[i].key).add(stamps[i].color).add(stamps[i].box).add(stamps[i].maskBox);
     box = box.unionWith(stamps[i].box);
   }
   item.record.look = hash.value();

@@ -32,6 +32,7 @@ int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
 }
 
 // Each frame drawn twice: only its changes over the kept previous frame, as in the window, and whole.
+// Frames are drawn between steps as well as on them.
 struct TrackedRun {
   std::ostringstream out;
   HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
@@ -39,9 +40,10 @@ struct TrackedRun {
   Surface kept{nullptr, cairo_surface_destroy};
   double pixelScale = 1;
   int64_t framesWithDiff = 0;
+  uint32_t bottomLeft = 0;  // a pixel of plain background in the last picture
 
   // Returns the share of the picture that was redrawn.
-  double drawAndCompare(uint64_t frame) {
+  double drawAndCompare(uint64_t frame, double stepFraction = 1) {
     const Size size = session.view().size();
     const PixelSize pixels{static_cast<int>(size.width * pixelScale), static_cast<int>(size.height * pixelScale)};
     const bool stillThere = kept && cairo_image_surface_get_width(kept.get()) == pixels.width &&
@@ -49,11 +51,15 @@ struct TrackedRun {
     if (!stillThere) kept = image(pixels);
     const Surface reference = image(pixels);
     cairo_t* cr = cairo_create(kept.get());
-    const auto& damage = tracked.drawChanges(cr, pixels, session.view(), pixelScale, 60, stillThere);
+    const auto& damage = tracked.drawChanges(cr, pixels, session.view(), pixelScale, 60, stillThere, stepFraction);
     cairo_destroy(cr);
     cr = cairo_create(reference.get());
-    full.draw(cr, session.view(), pixelScale, 60);
+    full.draw(cr, session.view(), pixelScale, 60, stepFraction);
     cairo_destroy(cr);
+    cairo_surface_flush(reference.get());
+    const unsigned char* lastRow = cairo_image_surface_get_data(reference.get()) +
+                                   int64_t{cairo_image_surface_get_stride(reference.get())} * (pixels.height - 1);
+    bottomLeft = *reinterpret_cast<const uint32_t*>(lastRow) & 0xffffff;
     const int64_t differing = differingPixels(kept.get(), reference.get());
     if (differing != 0 && ++framesWithDiff <= 5) ADD_FAILURE() << "frame " << frame << ": " << differing << " differ";
     int64_t drawn = 0;
@@ -94,8 +100,15 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedraws
     run.session.run(handsOff ? ScriptCommand{StepCommand{1}} : ScriptCommand{AutoplayCommand{1}});
     crashes += !wasOver && scene.gameState == GameScene::GameState::gameOver;
     departures += scene.children().size() < children;
-    paletteChanges += scene.currentPaletteIndex != palette;
-    redrawn += run.drawAndCompare(frame);
+    const bool newPalette = scene.currentPaletteIndex != palette;
+    paletteChanges += newPalette;
+    const uint32_t oldBackground = run.bottomLeft;
+    // On the step, and between steps as a faster display or a slower game shows them.
+    constexpr double kFractions[] = {1, 0.3, 0.75};
+    redrawn += run.drawAndCompare(frame, newPalette ? 0.5 : kFractions[frame % 3]);
+    if (newPalette) {
+      EXPECT_NE(run.bottomLeft, oldBackground) << "a new palette shows at once, between steps too";
+    }
   }
   EXPECT_EQ(run.framesWithDiff, 0);
   EXPECT_GE(crashes, 2) << "the run must see the shake";
