@@ -96,7 +96,7 @@ class Node : public std::enable_shared_from_this<Node> {
   NodePlacement placementBetweenSteps(double fraction) const;
   // The node jumped in this step (it wrapped round, it was put somewhere new): the frames up to the
   // next step draw it where it is instead of sliding it across.
-  void placeWithoutSlide() { slidesSinceStepStart_ = false; }
+  void placeWithoutSlide() { slidesSinceStepStart_ = steady_ = slides_ = false; }
   // True when the frames before the next step move the node between its last two placements.
   bool slidesBetweenSteps() const { return slides_; }
 

@@ -26,7 +26,7 @@ std::optional<Rect> ShapeNode::contentFrame(const AffineTransform& toTarget) con
 }
 
 std::optional<Path> ShapeNode::pathBetweenSteps(double fraction) const {
-  if (!pathSlides_ || !(fraction < 1)) return std::nullopt;
+  if (!pathSlides_ || !steadyThroughStep() || !(fraction < 1)) return std::nullopt;
   return Path::between(stepStartPath_, path, std::max(fraction, 0.0));
 }
 
