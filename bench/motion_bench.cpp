@@ -21,7 +21,8 @@
 
 namespace {
 
-constexpr double kRefreshRates[] = {60, 75, 90, 120, 144, 165, 240};
+// The common rates, and the ends of the range the loop is meant for.
+constexpr double kRefreshRates[] = {48, 60, 75, 90, 120, 144, 165, 240, 360};
 constexpr double kGameSpeeds[] = {0.5, 0.75, 1.0};
 constexpr double kDisplaySeconds = 60;
 constexpr double kCostSeconds = 20;
