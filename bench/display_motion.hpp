@@ -25,6 +25,8 @@ namespace zb::bench {
 struct DisplayCase {
   double hz = 60;
   double speed = 1;
+  // The loop wakes up to this long after each vertical blank, a different share of it every frame.
+  double wakeJitter = 0;
 };
 
 // Over the frames drawn while a run went on and the same obstacle was on screen in the frame before.
@@ -60,9 +62,10 @@ class FakeDisplay final : public FrameLoopHost {
     if (hook_) hook_(*scene_.view(), stepFraction);
     noteObstacle(stepFraction);
     if (display_.hz > 0) {
-      // Presenting waits for the next vertical blank.
+      // Presenting waits for the next vertical blank, and the loop wakes a little after it.
       const double period = 1 / display_.hz;
       clock_ = (std::floor(clock_ / period + kClockSlack) + 1) * period;
+      clock_ += display_.wakeJitter * static_cast<double>(++presents_ * kJitterStride % kJitterSteps) / kJitterSteps;
     }
     if (lastPresent_ >= 0) tally_.frameIntervals.push_back(clock_ - lastPresent_);
     lastPresent_ = clock_;
@@ -81,6 +84,9 @@ class FakeDisplay final : public FrameLoopHost {
   static constexpr int64_t kMaxPasses = 10'000'000;
   static constexpr double kClockSlack = 1e-9;
   static constexpr double kShortestWait = 1e-6;
+  // The wake-up delays run through this many evenly spaced values in a scrambled order.
+  static constexpr int64_t kJitterSteps = 11;
+  static constexpr int64_t kJitterStride = 7;
 
   void noteObstacle(double stepFraction) {
     const bool running = scene_.gameState == GameScene::GameState::playing && !scene_.obstacleNodes.empty();
@@ -112,6 +118,7 @@ class FakeDisplay final : public FrameLoopHost {
   double clock_ = 0;
   double lastPresent_ = -1;
   int64_t passes_ = 0;
+  int64_t presents_ = 0;
   const Node* lastObstacle_ = nullptr;
   double lastX_ = 0;
   // The speed of the last two steps' moves, and that of the frames' moves (0 while it changes).

@@ -17,6 +17,10 @@ constexpr double kTimerFrameSeconds = 1.0 / 60.0;
 // A present that returns sooner than this share of a refresh did not wait for the vertical blank
 // (a minimised window, a compositor that drops vsync): the loop then waits on its own.
 constexpr double kShortPresentShare = 0.5;
+// A present within this share of a refresh of the expected vertical blank keeps the beat, and moves
+// the beat by this share of its offset (a display's true rate is a hair off its nominal one).
+constexpr double kInBeatShare = 0.25;
+constexpr double kBeatPull = 0.1;
 
 // When the frame about to be drawn reaches the screen, and when frames follow the display.
 class FrameClock {
@@ -42,9 +46,17 @@ class FrameClock {
   double presented(double now, double vblankPeriod) {
     const std::optional<double> previous = lastPresent_;
     lastPresent_ = now;
-    if (vblankPeriod <= 0 || !previous || now - *previous >= vblankPeriod * kShortPresentShare) return 0;
-    lastPresent_ = *previous + vblankPeriod;
-    return *lastPresent_ - now;
+    if (vblankPeriod <= 0 || !previous) return 0;
+    if (now - *previous < vblankPeriod * kShortPresentShare) {
+      lastPresent_ = *previous + vblankPeriod;
+      return *lastPresent_ - now;
+    }
+    // The loop wakes a little after each vertical blank, by a different little each time: the clock
+    // follows the blanks' steady beat and lets each wake-up pull it only slightly.
+    const double blanks = std::max(1.0, std::round((now - *previous) / vblankPeriod));
+    const double expected = *previous + blanks * vblankPeriod;
+    if (std::abs(now - expected) < vblankPeriod * kInBeatShare) lastPresent_ = expected + (now - expected) * kBeatPull;
+    return 0;
   }
 
  private:
