@@ -15,6 +15,15 @@ struct Node::RunningAction {
   std::function<void()> completion;
 };
 
+NodePlacement blend(const NodePlacement& from, const NodePlacement& to, double fraction) {
+  const auto mix = [fraction](double a, double b) { return a + (b - a) * fraction; };
+  return {{mix(from.position.x, to.position.x), mix(from.position.y, to.position.y)},
+          mix(from.zRotation, to.zRotation),
+          mix(from.xScale, to.xScale),
+          mix(from.yScale, to.yScale),
+          mix(from.alpha, to.alpha)};
+}
+
 Node::Node() = default;
 
 Node::~Node() {
@@ -34,6 +43,8 @@ void Node::addChild(NodePtr child) {
     if (n == child.get()) return;
   }
   if (child->parent_) child->removeFromParent();
+  // A node that joins a tree, from a pool or from another parent, appears where it is put.
+  child->placeWithoutSlide();
   children_.push_back(child);
   child->parent_ = this;
   if (Scene* s = scene()) child->notifyEnter(*s);
@@ -49,6 +60,7 @@ void Node::removeFromParent() {
   auto it = std::find(parent->children_.begin(), parent->children_.end(), self);
   if (it != parent->children_.end()) parent->children_.erase(it);
   parent_ = nullptr;
+  placeWithoutSlide();
 }
 
 void Node::removeAllChildren() {
@@ -57,7 +69,10 @@ void Node::removeAllChildren() {
   }
   std::vector<NodePtr> removed = std::move(children_);
   children_.clear();
-  for (const NodePtr& child : removed) child->parent_ = nullptr;
+  for (const NodePtr& child : removed) {
+    child->parent_ = nullptr;
+    child->placeWithoutSlide();
+  }
 }
 
 NodePtr Node::childNamed(std::string_view childName) const {
@@ -145,6 +160,23 @@ std::size_t Node::subtreeNodeCount() const {
   std::size_t count = 1;
   for (const NodePtr& child : children_) count += child->subtreeNodeCount();
   return count;
+}
+
+NodePlacement Node::placementBetweenSteps(double fraction) const {
+  const NodePlacement now = placement();
+  if (!slides_ || !(fraction < 1) || now != stepEnd_) return now;
+  return blend(stepStart_, stepEnd_, std::max(fraction, 0.0));
+}
+
+void Node::recordStepStart(bool inSight) {
+  stepStart_ = placement();
+  slidesSinceStepStart_ = inSight;
+}
+
+void Node::recordStepEnd(bool inSight) {
+  stepEnd_ = placement();
+  steady_ = slidesSinceStepStart_ && inSight;
+  slides_ = steady_ && stepStart_ != stepEnd_;
 }
 
 void Node::didEnterScene(Scene&) {}

@@ -19,6 +19,19 @@ class Node;
 using NodePtr = std::shared_ptr<Node>;
 using ActionPtr = std::shared_ptr<const Action>;
 
+// Where a node is drawn in its parent: what a frame between two steps blends.
+struct NodePlacement {
+  Point position;
+  double zRotation = 0;
+  double xScale = 1;
+  double yScale = 1;
+  double alpha = 1;
+  friend bool operator==(const NodePlacement&, const NodePlacement&) = default;
+};
+
+// `from` where `fraction` is 0, `to` where it is 1.
+NodePlacement blend(const NodePlacement& from, const NodePlacement& to, double fraction);
+
 class Node : public std::enable_shared_from_this<Node> {
  public:
   Node();
@@ -76,10 +89,27 @@ class Node : public std::enable_shared_from_this<Node> {
   // Number of nodes in this subtree, this node included.
   std::size_t subtreeNodeCount() const;
 
+  NodePlacement placement() const { return {position, zRotation, xScale, yScale, alpha}; }
+  // Where a frame shown `fraction` of the way from the previous step to the last one draws the node
+  // (1: the last step itself). Only a node that stayed in place in the tree and in sight through the
+  // last step, and was not changed since, moves between the two; anything else is drawn where it is.
+  NodePlacement placementBetweenSteps(double fraction) const;
+  // The node jumped in this step (it wrapped round, it was put somewhere new): the frames up to the
+  // next step draw it where it is instead of sliding it across.
+  void placeWithoutSlide() { slidesSinceStepStart_ = steady_ = slides_ = false; }
+  // True when the frames before the next step move the node between its last two placements.
+  bool slidesBetweenSteps() const { return slides_; }
+
  protected:
   // The content's bounding box after `toTarget` (this node's coordinates into some ancestor's); by
   // default the transformed contentBounds box. Shapes compute it from their transformed path.
   virtual std::optional<Rect> contentFrame(const AffineTransform& toTarget) const;
+  // Called on every node of a scene's tree as a step starts and as it ends, with whether the node is
+  // in sight then; shapes keep their outline too.
+  virtual void recordStepStart(bool inSight);
+  virtual void recordStepEnd(bool inSight);
+  // Whether the node stayed in sight, in its parent and unjumped through the last step.
+  bool steadyThroughStep() const { return steady_; }
   // Called when the node (or an ancestor) joins or leaves a scene's tree.
   virtual void didEnterScene(Scene& scene);
   virtual void willLeaveScene(Scene& scene);
@@ -102,6 +132,13 @@ class Node : public std::enable_shared_from_this<Node> {
   std::vector<std::unique_ptr<RunningAction>> actions_;
   // The scene whose action registry lists this node; only compared, never dereferenced.
   const Scene* actionRegistry_ = nullptr;
+  // The placements at the start and at the end of the last step; whether the node was in sight at
+  // the start and has not jumped or changed parent since, and whether it slides until the next step.
+  NodePlacement stepStart_;
+  NodePlacement stepEnd_;
+  bool slidesSinceStepStart_ = false;
+  bool steady_ = false;
+  bool slides_ = false;
 };
 
 }  // namespace zb

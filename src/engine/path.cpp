@@ -217,4 +217,20 @@ std::optional<Rect> Path::strokedBoundingBox(double lineWidth, const AffineTrans
   return box->insetBy(-half * std::hypot(t.a, t.c), -half * std::hypot(t.b, t.d));
 }
 
+std::optional<Path> Path::between(const Path& from, const Path& to, double fraction) {
+  if (from.elements_.size() != to.elements_.size()) return std::nullopt;
+  const auto mix = [fraction](double a, double b) { return a + (b - a) * fraction; };
+  const auto mixPoints = [&mix](Point a, Point b) { return Point{mix(a.x, b.x), mix(a.y, b.y)}; };
+  Path out;
+  out.elements_.reserve(to.elements_.size());
+  for (std::size_t i = 0; i < to.elements_.size(); ++i) {
+    const Element& a = from.elements_[i];
+    const Element& b = to.elements_[i];
+    if (a.kind != b.kind) return std::nullopt;
+    out.elements_.push_back({b.kind, mixPoints(a.point, b.point), mixPoints(a.center, b.center), mix(a.radius, b.radius),
+                             mix(a.startAngle, b.startAngle), mix(a.endAngle, b.endAngle)});
+  }
+  return out;
+}
+
 }  // namespace zb

@@ -17,6 +17,7 @@ class Path {
     double radius = 0; // arc
     double startAngle = 0;  // arc, radians, drawn counter-clockwise to endAngle
     double endAngle = 0;
+    friend bool operator==(const Element&, const Element&) = default;
   };
 
   Path() = default;
@@ -37,6 +38,10 @@ class Path {
 
   bool isEmpty() const { return elements_.empty(); }
   const std::vector<Element>& elements() const { return elements_; }
+
+  // The path `fraction` of the way from `from` to `to`, point by point; nothing unless both are made of
+  // the same kinds of element in the same order.
+  static std::optional<Path> between(const Path& from, const Path& to, double fraction);
 
   // Bounding box of the geometry itself; nothing for an empty path.
   std::optional<Rect> boundingBox() const;

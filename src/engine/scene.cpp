@@ -35,10 +35,26 @@ void Scene::setSize(Size size) {
 }
 
 void Scene::stepFrame(double dt) {
+  // Whatever changed since the last step (input, a resize) is where this step starts, not a motion.
+  recordStep(*this, !hidden, true);
   time_ += dt;
   if (!paused) update(time_);
   // The update may have paused the scene; from then on only pause-proof actions advance.
   runActions(dt, paused);
+  recordStep(*this, !hidden, false);
+}
+
+void Scene::recordStep(Node& node, bool inSight, bool atStart) {
+  for (std::size_t i = 0; i < node.children_.size(); ++i) {
+    Node& child = *node.children_[i];
+    const bool childInSight = inSight && !child.hidden;
+    if (atStart) {
+      child.recordStepStart(childInSight);
+    } else {
+      child.recordStepEnd(childInSight);
+    }
+    recordStep(child, childInSight, atStart);
+  }
 }
 
 void Scene::runActions(double dt, bool pausedOnly) {

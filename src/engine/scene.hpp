@@ -70,6 +70,8 @@ class Scene : public Node {
   // Starts the looped audio of the tree when a view arrives, and marks it stopped when the view goes.
   void startAudio();
   void stopAudio(bool tellOutput);
+  // Every node below `node` notes its placement as a step starts or ends, for the frames in between.
+  static void recordStep(Node& node, bool inSight, bool atStart);
 
   Size size_;
   View* view_ = nullptr;

@@ -1,5 +1,6 @@
 #include "engine/shape_node.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace zb {
@@ -22,6 +23,21 @@ std::optional<Rect> ShapeNode::contentBounds() const { return path.strokedBoundi
 
 std::optional<Rect> ShapeNode::contentFrame(const AffineTransform& toTarget) const {
   return path.strokedBoundingBox(lineWidth, toTarget);
+}
+
+std::optional<Path> ShapeNode::pathBetweenSteps(double fraction) const {
+  if (!pathSlides_ || !steadyThroughStep() || !(fraction < 1)) return std::nullopt;
+  return Path::between(stepStartPath_, path, std::max(fraction, 0.0));
+}
+
+void ShapeNode::recordStepStart(bool inSight) {
+  Node::recordStepStart(inSight);
+  stepStartPath_ = path;
+}
+
+void ShapeNode::recordStepEnd(bool inSight) {
+  Node::recordStepEnd(inSight);
+  pathSlides_ = steadyThroughStep() && stepStartPath_.elements() != path.elements();
 }
 
 }  // namespace zb

@@ -96,9 +96,12 @@ void HeadlessSession::dump() {
   out_.flush();
 }
 
-std::optional<std::string> HeadlessSession::screenshot(const std::string& file) {
+std::optional<std::string> HeadlessSession::screenshot(const std::string& file, double stepFraction) {
   ensureLaunched();
-  const PngWrite written = renderer_.writePNG(view_, file, kFramesPerSecond);
+  // A display in step with the steps shows the last step whole; F past it, motion between the last
+  // two steps is drawn F of the way along.
+  const double between = stepFraction > 0 ? stepFraction : 1.0;
+  const PngWrite written = renderer_.writePNG(view_, file, kFramesPerSecond, between);
   if (!written) return "screenshot: " + written.description(file);
   return std::nullopt;
 }
@@ -177,7 +180,7 @@ std::optional<std::string> HeadlessSession::execute(const DumpCommand&) {
 }
 
 std::optional<std::string> HeadlessSession::execute(const ScreenshotCommand& command) {
-  return screenshot(command.file);
+  return screenshot(command.file, command.stepFraction);
 }
 
 // `pad remove` unplugs the pad connected last, so a script can take away a waiting pad or, with one

@@ -39,7 +39,7 @@ class HeadlessSession {
   void ensureLaunched();
   void step(uint64_t frames);
   void dump();
-  std::optional<std::string> screenshot(const std::string& file);
+  std::optional<std::string> screenshot(const std::string& file, double stepFraction);
 
   std::optional<std::string> execute(const LaunchCommand&);
   std::optional<std::string> execute(const RelaunchCommand&);

@@ -205,6 +205,15 @@ ScriptCommand parsePref(Words& words) {
 
 ScriptCommand parseScreenshot(Words& words) {
   ScreenshotCommand screenshot{std::string(words.require("file name"))};
+  if (std::optional<std::string_view> word = words.next()) {
+    if (*word != "at") throw BadLine{words.prefix() + "unexpected " + quoted(*word)};
+    const std::string_view fraction = words.require("fraction of a step");
+    const std::optional<double> number = parseFiniteDouble(fraction);
+    if (!number || *number < 0 || *number >= 1) {
+      throw BadLine{words.prefix() + "the fraction must be a number from 0 up to 1, not " + quoted(fraction)};
+    }
+    screenshot.stepFraction = *number;
+  }
   words.finish();
   return screenshot;
 }

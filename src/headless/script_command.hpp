@@ -55,6 +55,8 @@ struct DumpCommand {};
 struct QuitCommand {};
 struct ScreenshotCommand {
   std::string file;
+  // How far past the last step the pictured display is, in steps: 0 up to 1 (0: the last step itself).
+  double stepFraction = 0;
 };
 
 using ScriptCommand = std::variant<LaunchCommand, RelaunchCommand, StepCommand, AutoplayCommand, KeyCommand,

@@ -19,7 +19,7 @@ void FramePacer::setSpeed(double speed) {
   speed_ = speed > 0 && speed <= kFullSpeed ? speed : kFullSpeed;
 }
 
-int FramePacer::stepsDue(double now) {
+int FramePacer::stepsDue(double now, int maxSteps) {
   if (!started_) {
     started_ = true;
     lastTime_ = now;
@@ -31,7 +31,7 @@ int FramePacer::stepsDue(double now) {
   // A clock that jumps backwards or stops counts as no time; a NaN as well.
   if (elapsed > 0) pendingSteps_ += elapsed * speed_ / kStepSeconds;
 
-  const int maxSteps = lockedToVsync() ? 1 : kMaxCatchUpSteps;
+  if (lockedToVsync()) maxSteps = 1;
   int steps = 0;
   while (steps < maxSteps && pendingSteps_ >= threshold()) {
     pendingSteps_ -= 1.0;
@@ -44,6 +44,8 @@ int FramePacer::stepsDue(double now) {
   }
   return steps;
 }
+
+double FramePacer::stepFraction() const { return std::clamp(pendingSteps_, 0.0, 1.0); }
 
 double FramePacer::secondsUntilNextStep(double now) const {
   if (!started_) return 0;

@@ -6,7 +6,8 @@
 // real-time accumulator that only guards against a vsync that stops blocking (a minimised window, a
 // compositor that drops it) and otherwise absorbs jitter and the slight drift of 59.94 Hz panels.
 // Everywhere else (120 Hz, 144 Hz, no vsync) the loop runs a fixed 1/60 s timestep: real time
-// accumulates, each full 1/60 s runs one step, and a frame is drawn only after at least one step.
+// accumulates and each full 1/60 s runs one step; the time left over, as a fraction of a step, is
+// how far a frame shown then lies between the last two steps.
 // A short stall (a window drag, a slow frame) is caught up with a few extra steps; anything longer is
 // dropped, so the game slows down for a moment instead of racing to catch up.
 namespace zb {
@@ -28,15 +29,20 @@ class FramePacer {
   void setSpeed(double speed);
   double speed() const { return speed_; }
 
+  bool lockedToVsync() const { return vsyncAt60Hz_ && speed_ == kFullSpeed; }
+
   // Steps to run now, given the monotonic time in seconds; the first call starts the clock and runs one.
-  int stepsDue(double now);
+  // At most `maxSteps` run in one call, however late it comes.
+  int stepsDue(double now, int maxSteps = kMaxCatchUpSteps);
+  // With the fixed timestep, how far the time last given to stepsDue lies past the last step's due
+  // time, in steps (0 up to 1); a frame shown then is drawn that far between the last two steps.
+  double stepFraction() const;
   // How long the loop may wait before a step is due; 0 when one is due already.
   double secondsUntilNextStep(double now) const;
 
  private:
   // The accumulated time, in steps, at which the next step runs.
   double threshold() const;
-  bool lockedToVsync() const { return vsyncAt60Hz_ && speed_ == kFullSpeed; }
   static constexpr double kFullSpeed = 1.0;
 
   bool vsyncAt60Hz_;

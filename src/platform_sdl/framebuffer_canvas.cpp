@@ -72,12 +72,12 @@ bool FramebufferCanvas::fitSurface() {
   return true;
 }
 
-bool FramebufferCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerSecond) {
+bool FramebufferCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerSecond, double stepFraction) {
   if (!fitSurface()) return false;
   const PixelSize size{surface_->w, surface_->h};
   cairo_t* cr = cairo_create(pixels_);
   const std::vector<PixelRect>& boxes =
-      renderer.drawChanges(cr, size, view, pixelScaleOf(window_, size.width), framesPerSecond, kept_);
+      renderer.drawChanges(cr, size, view, pixelScaleOf(window_, size.width), framesPerSecond, kept_, stepFraction);
   cairo_destroy(cr);
   cairo_surface_flush(pixels_);
   kept_ = true;

@@ -20,7 +20,8 @@ class FramebufferCanvas final : public WindowCanvas {
   PresentPath path() const override { return PresentPath::framebuffer; }
   std::string description() const override;
   bool syncToDisplay() override { return false; }
-  bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) override;
+  double vblankPeriod() const override { return 0; }
+  bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond, double stepFraction) override;
   void invalidate() override { kept_ = false; }
   PngWrite writeScreenshot(const std::filesystem::path& file) override;
 

@@ -18,11 +18,15 @@ constexpr int kVsyncRateLow = 59;  // 59.94 Hz panels report 59 or 60
 constexpr int kVsyncRateHigh = 61;
 constexpr unsigned kGlRenderer = 0x1F01;  // GL_RENDERER, without pulling in the GL headers
 
-bool refreshesAt60Hz(SDL_Window* window) {
+// A display that does not say its refresh rate is taken for the common 60 Hz one.
+constexpr int kAssumedRefreshRate = 60;
+
+// The refresh rate of the window's display in Hz; 0 when it cannot be asked.
+int refreshRateOf(SDL_Window* window) {
   SDL_DisplayMode mode;
   const int display = SDL_GetWindowDisplayIndex(window);
-  if (display < 0 || SDL_GetCurrentDisplayMode(display, &mode) != 0) return false;
-  return mode.refresh_rate >= kVsyncRateLow && mode.refresh_rate <= kVsyncRateHigh;
+  if (display < 0 || SDL_GetCurrentDisplayMode(display, &mode) != 0) return 0;
+  return mode.refresh_rate;
 }
 
 // The driver's own name for the device, from the context SDL's renderer made current; empty when SDL
@@ -63,10 +67,12 @@ GlCanvas::~GlCanvas() {
 }
 
 bool GlCanvas::syncToDisplay() {
-  // Vsync stays on everywhere; only at 60 Hz is the vertical blank also the step clock. Faster
-  // displays present more often than steps fall due, and the loop then draws only after a step.
+  // Vsync stays on everywhere; only at 60 Hz is the vertical blank also the step clock. Other displays
+  // get a frame every vertical blank, drawn between steps.
   SDL_RenderSetVSync(renderer_, 1);
-  return refreshesAt60Hz(window_);
+  const int rate = refreshRateOf(window_);
+  vblankPeriod_ = 1.0 / (rate > 0 ? rate : kAssumedRefreshRate);
+  return rate >= kVsyncRateLow && rate <= kVsyncRateHigh;
 }
 
 bool GlCanvas::fitDrawable(int width, int height) {
@@ -100,13 +106,13 @@ bool GlCanvas::fitDrawable(int width, int height) {
   return true;
 }
 
-bool GlCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerSecond) {
+bool GlCanvas::drawFrame(Renderer& renderer, const View& view, double framesPerSecond, double stepFraction) {
   int width = 0, height = 0;
   if (SDL_GetRendererOutputSize(renderer_, &width, &height) != 0 || width <= 0 || height <= 0) return false;
   if (!fitDrawable(width, height)) return false;
   cairo_t* cr = cairo_create(image_);
   const std::vector<PixelRect>& boxes =
-      renderer.drawChanges(cr, {width, height}, view, pixelScaleOf(window_, width), framesPerSecond, kept_);
+      renderer.drawChanges(cr, {width, height}, view, pixelScaleOf(window_, width), framesPerSecond, kept_, stepFraction);
   cairo_destroy(cr);
   cairo_surface_flush(image_);
   kept_ = true;

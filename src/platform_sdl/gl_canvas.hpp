@@ -21,7 +21,8 @@ class GlCanvas final : public WindowCanvas {
   PresentPath path() const override { return PresentPath::gl; }
   std::string description() const override { return description_; }
   bool syncToDisplay() override;
-  bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) override;
+  double vblankPeriod() const override { return vblankPeriod_; }
+  bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond, double stepFraction) override;
   void invalidate() override { kept_ = false; }
   PngWrite writeScreenshot(const std::filesystem::path& file) override;
 
@@ -38,6 +39,7 @@ class GlCanvas final : public WindowCanvas {
   cairo_surface_t* image_ = nullptr;
   bool kept_ = false;
   bool saidNoPixels_ = false;  // since the last size that worked
+  double vblankPeriod_ = 0;
 };
 
 }  // namespace zb

@@ -27,10 +27,12 @@ class WindowCanvas {
   // Looks at the display the window is on and says whether presenting now waits for a 60 Hz vertical
   // blank, which then is the game's clock.
   virtual bool syncToDisplay() = 0;
+  // The display's refresh period in seconds when presenting waits for its vertical blank; 0 without vsync.
+  virtual double vblankPeriod() const = 0;
 
-  // Draws the view's frame with `renderer` and puts it on screen; false when there was nothing to draw
-  // on (a zero-sized window).
-  virtual bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond) = 0;
+  // Draws the view's frame, `stepFraction` of the way between the last two steps, with `renderer` and
+  // puts it on screen; false when there was nothing to draw on (a zero-sized window).
+  virtual bool drawFrame(Renderer& renderer, const View& view, double framesPerSecond, double stepFraction) = 0;
 
   // The window's pixels were lost or moved (exposed, resized): the next frame is drawn and sent whole.
   virtual void invalidate() = 0;

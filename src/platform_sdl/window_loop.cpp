@@ -75,8 +75,9 @@ class WindowHost final : public FrameLoopHost {
   double now() override { return secondsNow(); }
   void waitFor(double seconds) override { waitForNextStep(seconds); }
   bool minimized() override { return window_.isMinimized(); }
-  bool draw(double framesPerSecond) override {
-    if (!canvas_.drawFrame(renderer_, view_, framesPerSecond)) return false;
+  double vblankPeriod() override { return canvas_.vblankPeriod(); }
+  bool draw(double framesPerSecond, double stepFraction) override {
+    if (!canvas_.drawFrame(renderer_, view_, framesPerSecond, stepFraction)) return false;
     ++framesDrawn_;
     if (const int64_t differing = renderer_.mismatchedPixels(); differing > 0 && !mismatch_) {
       mismatch_ = true;

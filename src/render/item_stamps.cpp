@@ -217,10 +217,10 @@ bool stampUprightFill(const Path& path, const cairo_matrix_t& toDevice, const Co
 }
 
 // The same look without the place: a scrolling building differs from its last frame only near its sides.
-SlidingRect slidingOf(const ShapeNode& shape, const cairo_matrix_t& toDevice, const Stamp* stamps, std::size_t count,
+SlidingRect slidingOf(const ShapeNode& shape, const Path& path, const cairo_matrix_t& toDevice, const Stamp* stamps, std::size_t count,
                       uint64_t outline, double reach) {
-  const std::optional<Rect> sides = shape.path.boundingBox();
-  if (!sides || !isUprightRectangle(shape.path, toDevice)) return {};
+  const std::optional<Rect> sides = path.boundingBox();
+  if (!sides || !isUprightRectangle(path, toDevice)) return {};
   LookHash slide;
   slide.add(&shape).add(static_cast<uint64_t>(KeyKind::slide)).add(toDevice.xx).add(toDevice.yy).add(outline);
   slide.add(shape.lineWidth).add(static_cast<uint64_t>(shape.lineCap));
@@ -270,21 +270,21 @@ LookHash& LookHash::add(std::string_view text) {
   return add(static_cast<uint64_t>(std::hash<std::string_view>{}(text))).add(uint64_t{text.size()});
 }
 
-StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
-                       std::vector<Stamp>& stamps) {
-  StampedItem item{&shape, stamps.size(), 0, {}};
+StampedItem stampShape(const ShapeNode& shape, const Path& drawnPath, const cairo_matrix_t& toDevice, double alpha,
+                       const PixelRect& frame, std::vector<Stamp>& stamps) {
+  StampedItem item{&shape, &drawnPath, stamps.size(), 0, {}};
   const Color fill = times(shape.fillColor, alpha);
   const Color stroke = times(shape.strokeColor, alpha);
   const bool fills = fill.a > 0;
   const bool strokes = stroke.a > 0 && shape.lineWidth > 0 && std::isfinite(shape.lineWidth);
-  if (!shape.path.isEmpty() && (fills || strokes)) {
+  if (!drawnPath.isEmpty() && (fills || strokes)) {
     // A full line width on every side covers square caps at any angle; joins are round.
     const double reach = strokes ? shape.lineWidth : 0;
-    std::optional<Rect> bounds = shape.path.boundingBox();
+    std::optional<Rect> bounds = drawnPath.boundingBox();
     if (bounds) bounds = bounds->insetBy(-reach, -reach);
     const Placement placement = place(toDevice, bounds, frame);
-    const uint64_t outline = pathLook(shape.path);
-    if (fills && !stampUprightFill(shape.path, toDevice, fill, outline, frame, stamps)) {
+    const uint64_t outline = pathLook(drawnPath);
+    if (fills && !stampUprightFill(drawnPath, toDevice, fill, outline, frame, stamps)) {
       const uint64_t key = LookHash().add(static_cast<uint64_t>(KeyKind::fill)).add(outline).add(placement.key).value();
       stamps.push_back({StampLayer::fill, key, fill, placement.box, placement.maskBox, placement.toMask});
     }
@@ -296,7 +296,8 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
     }
     item.stampCount = stamps.size() - item.firstStamp;
     // An upright rectangle wholly off the frame may leave no stamps at all.
-    item.record.sliding = slidingOf(shape, toDevice, stamps.data() + item.firstStamp, item.stampCount, outline, reach);
+    item.record.sliding =
+        slidingOf(shape, drawnPath, toDevice, stamps.data() + item.firstStamp, item.stampCount, outline, reach);
   }
   recordStamps(item, KeyKind::shapeRecord, stamps);
   return item;
@@ -304,7 +305,7 @@ StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, d
 
 StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
                        std::vector<Stamp>& stamps, std::vector<LabelGlyph>& glyphs) {
-  StampedItem item{&label, stamps.size(), 0, {}};
+  StampedItem item{&label, nullptr, stamps.size(), 0, {}};
   const Color color = times(label.fontColor, alpha);
   if (color.a > 0) {
     labelGlyphs(label, glyphs);
@@ -334,7 +335,7 @@ void rasterizeStamp(cairo_t* cr, const StampedItem& item, const Stamp& stamp) {
     return;
   }
   const ShapeNode& shape = static_cast<const ShapeNode&>(*item.node);
-  appendPath(cr, shape.path);
+  appendPath(cr, *item.path);
   if (stamp.layer == StampLayer::fill) {
     cairo_fill(cr);
     return;

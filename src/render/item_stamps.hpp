@@ -26,6 +26,7 @@ class Node;
 class Scene;
 class ShapeNode;
 class LabelNode;
+class Path;
 
 struct PixelSize {
   int width = 0, height = 0;
@@ -72,6 +73,7 @@ struct Stamp {
 // A drawn item: a shape's fill and stroke, or each glyph of a label's text, as stamps in drawing order.
 struct StampedItem {
   const Node* node = nullptr;
+  const Path* path = nullptr;  // a shape's outline as drawn in this frame
   std::size_t firstStamp = 0;  // its stamps in the frame's list of stamps
   std::size_t stampCount = 0;
   DrawRecord record;  // the box of all its stamps and a fingerprint of every pixel they paint
@@ -83,9 +85,10 @@ struct StampedItem {
 // window-sized mask).
 // `toDevice` maps the node's own coordinates to the frame's pixels, `alpha` is its accumulated
 // opacity and `frame` the frame's pixels. The item's stamps are appended to `stamps`; a label lists
-// its glyphs in `glyphs`, reused from label to label.
-StampedItem stampShape(const ShapeNode& shape, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
-                       std::vector<Stamp>& stamps);
+// its glyphs in `glyphs`, reused from label to label. A shape is drawn with `outline` (its path, or
+// the path between two steps), which must outlive the frame.
+StampedItem stampShape(const ShapeNode& shape, const Path& outline, const cairo_matrix_t& toDevice, double alpha,
+                       const PixelRect& frame, std::vector<Stamp>& stamps);
 StampedItem stampLabel(const LabelNode& label, const cairo_matrix_t& toDevice, double alpha, const PixelRect& frame,
                        std::vector<Stamp>& stamps, std::vector<LabelGlyph>& glyphs);
 

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,52 +43,74 @@ struct DrawItem {
   double alpha;      // multiplied down the tree
   uint32_t order;    // position in the tree walk, to keep ties stable
   cairo_matrix_t toScene;
+  std::size_t path;  // the outline drawn between two steps, or kNoPath for the shape's own
 };
+
+constexpr std::size_t kNoPath = SIZE_MAX;
 
 // Damage boxes beyond this many are merged: each box costs a pass over the items and an upload of its own.
 constexpr std::size_t kMaxDamageRects = 32;
 
-cairo_matrix_t placementOf(const Node& node) {
-  if (node.zRotation == 0) return {node.xScale, 0, 0, node.yScale, node.position.x, node.position.y};
-  const double c = std::cos(node.zRotation);
-  const double s = std::sin(node.zRotation);
+cairo_matrix_t matrixOf(const NodePlacement& p) {
+  if (p.zRotation == 0) return {p.xScale, 0, 0, p.yScale, p.position.x, p.position.y};
+  const double c = std::cos(p.zRotation);
+  const double s = std::sin(p.zRotation);
   // Scale, then rotate counter-clockwise, then translate.
-  return {c * node.xScale, s * node.xScale, -s * node.yScale, c * node.yScale, node.position.x, node.position.y};
+  return {c * p.xScale, s * p.xScale, -s * p.yScale, c * p.yScale, p.position.x, p.position.y};
 }
+
+cairo_matrix_t placementOf(const Node& node) { return matrixOf(node.placement()); }
 
 bool isDrawableTransform(const cairo_matrix_t& m) {
   const double det = m.xx * m.yy - m.xy * m.yx;
   return std::isfinite(det) && std::abs(det) > kMinDeterminant && std::isfinite(m.x0) && std::isfinite(m.y0);
 }
 
+// What one walk of the tree needs besides the nodes: how far between the last two steps the frame
+// is, and where outlines drawn between two steps go.
+struct Walk {
+  double stepFraction;
+  std::vector<Path>& paths;
+  std::vector<DrawItem>& out;
+};
+
 void collectDrawables(const Node& parent, const cairo_matrix_t& parentToScene, double parentAlpha,
-                      double parentZ, std::vector<DrawItem>& out) {
+                      double parentZ, Walk& walk) {
   for (const NodePtr& childPtr : parent.children()) {
     const Node& child = *childPtr;
     if (child.hidden) continue;
-    const double alpha = parentAlpha * child.alpha;
+    const NodePlacement placement = child.placementBetweenSteps(walk.stepFraction);
+    const double alpha = parentAlpha * placement.alpha;
     if (!(alpha > 0)) continue;  // a transparent node hides its whole subtree, NaN included
     const double z = parentZ + (std::isfinite(child.zPosition) ? child.zPosition : 0);
-    const cairo_matrix_t local = placementOf(child);
+    const cairo_matrix_t local = matrixOf(placement);
     cairo_matrix_t toScene;
     cairo_matrix_multiply(&toScene, &local, &parentToScene);
     if (!isDrawableTransform(toScene)) continue;
 
-    if (dynamic_cast<const ShapeNode*>(&child) != nullptr) {
-      out.push_back({&child, DrawKind::shape, z, alpha, static_cast<uint32_t>(out.size()), toScene});
+    const auto order = static_cast<uint32_t>(walk.out.size());
+    if (const auto* shape = dynamic_cast<const ShapeNode*>(&child)) {
+      DrawItem item{&child, DrawKind::shape, z, alpha, order, toScene, kNoPath};
+      if (std::optional<Path> between = shape->pathBetweenSteps(walk.stepFraction)) {
+        item.path = walk.paths.size();
+        walk.paths.push_back(std::move(*between));
+      }
+      walk.out.push_back(item);
     } else if (dynamic_cast<const LabelNode*>(&child) != nullptr) {
-      out.push_back({&child, DrawKind::label, z, alpha, static_cast<uint32_t>(out.size()), toScene});
+      walk.out.push_back({&child, DrawKind::label, z, alpha, order, toScene, kNoPath});
     }
-    collectDrawables(child, toScene, alpha, z, out);
+    collectDrawables(child, toScene, alpha, z, walk);
   }
 }
 
 // Fills `items` with the scene's drawable items in drawing order.
-void sortDrawables(const Scene& scene, std::vector<DrawItem>& items) {
+void sortDrawables(const Scene& scene, double stepFraction, std::vector<Path>& paths, std::vector<DrawItem>& items) {
   items.clear();
+  paths.clear();
   cairo_matrix_t identity;
   cairo_matrix_init_identity(&identity);
-  collectDrawables(scene, identity, std::isfinite(scene.alpha) ? scene.alpha : 1.0, 0, items);
+  Walk walk{stepFraction, paths, items};
+  collectDrawables(scene, identity, std::isfinite(scene.alpha) ? scene.alpha : 1.0, 0, walk);
 
   const auto byDepth = [](const DrawItem& a, const DrawItem& b) {
     return a.z < b.z || (a.z == b.z && a.order < b.order);
@@ -153,9 +176,10 @@ void appendCounters(const View& view, double framesPerSecond, Counters& counters
   cairo_matrix_t identity;
   cairo_matrix_init_identity(&identity);
   const double z = items.empty() ? 0 : items.back().z;
-  items.push_back({&counters.backdrop, DrawKind::shape, z, 1, static_cast<uint32_t>(items.size()), identity});
+  items.push_back({&counters.backdrop, DrawKind::shape, z, 1, static_cast<uint32_t>(items.size()), identity, kNoPath});
   for (std::size_t i = 0; i < shownCount; ++i) {
-    items.push_back({shown[i], DrawKind::label, z, 1, static_cast<uint32_t>(items.size()), placementOf(*shown[i])});
+    items.push_back(
+        {shown[i], DrawKind::label, z, 1, static_cast<uint32_t>(items.size()), placementOf(*shown[i]), kNoPath});
   }
 }
 
@@ -243,14 +267,15 @@ pixman_image_t* Renderer::solidOf(const Color& color) {
   return image;
 }
 
-void Renderer::stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target) {
+void Renderer::stampItems(const View& view, double pixelScale, double framesPerSecond, double stepFraction,
+                          PixelSize target) {
   // Scene points have y up: flip once here, every node draws in its own y-up coordinates.
   cairo_matrix_t sceneToDevice;
   cairo_matrix_init_scale(&sceneToDevice, pixelScale, -pixelScale);
   sceneToDevice.y0 = view.size().height * pixelScale;
   std::vector<DrawItem>& items = scratch_->drawList;
   items.clear();
-  if (view.scene() != nullptr) sortDrawables(*view.scene(), items);
+  if (view.scene() != nullptr) sortDrawables(*view.scene(), stepFraction, pathsBetweenSteps_, items);
   if (view.showsFPS || view.showsNodeCount) appendCounters(view, framesPerSecond, scratch_->counters, items);
   masks_.setBudget(static_cast<std::size_t>(target.width) * static_cast<std::size_t>(target.height) *
                    kMaskBytesPerPixel);
@@ -262,10 +287,14 @@ void Renderer::stampItems(const View& view, double pixelScale, double framesPerS
   for (const DrawItem& item : items) {
     cairo_matrix_t toDevice;
     cairo_matrix_multiply(&toDevice, &item.toScene, &sceneToDevice);
-    items_.push_back(item.kind == DrawKind::shape
-                         ? stampShape(static_cast<const ShapeNode&>(*item.node), toDevice, item.alpha, frame, stamps_)
-                         : stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_,
-                                      scratch_->glyphs));
+    if (item.kind == DrawKind::label) {
+      items_.push_back(stampLabel(static_cast<const LabelNode&>(*item.node), toDevice, item.alpha, frame, stamps_,
+                                  scratch_->glyphs));
+      continue;
+    }
+    const auto& shape = static_cast<const ShapeNode&>(*item.node);
+    const Path& outline = item.path == kNoPath ? shape.path : pathsBetweenSteps_[item.path];
+    items_.push_back(stampShape(shape, outline, toDevice, item.alpha, frame, stamps_));
   }
   stampMasks_.resize(stamps_.size(), nullptr);
 }
@@ -334,7 +363,7 @@ void Renderer::paintBox(pixman_image_t* target, const Scene* scene, const PixelR
   pixman_image_unref(pixels);
 }
 
-void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond) {
+void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond, double stepFraction) {
   if (!(pixelScale > 0) || !std::isfinite(pixelScale)) pixelScale = 1;
   cairo_surface_t* surface = cairo_get_target(cr);
   pixman_image_t* target = pixelsOf(surface);
@@ -344,7 +373,7 @@ void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double fra
     cairo_surface_t* image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height);
     if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
       cairo_t* imageCr = cairo_create(image);
-      draw(imageCr, view, pixelScale, framesPerSecond);
+      draw(imageCr, view, pixelScale, framesPerSecond, stepFraction);
       cairo_destroy(imageCr);
       cairo_save(cr);
       cairo_identity_matrix(cr);
@@ -356,14 +385,14 @@ void Renderer::draw(cairo_t* cr, const View& view, double pixelScale, double fra
     return;
   }
   const PixelSize size{pixman_image_get_width(target), pixman_image_get_height(target)};
-  stampItems(view, pixelScale, framesPerSecond, size);
+  stampItems(view, pixelScale, framesPerSecond, stepFraction, size);
   paint(target, view.scene(), {PixelRect{0, 0, size.width, size.height}});
   pixman_image_unref(target);
   cairo_surface_mark_dirty(surface);
 }
 
 const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize target, const View& view, double pixelScale,
-                                                    double framesPerSecond, bool targetKept) {
+                                                    double framesPerSecond, bool targetKept, double stepFraction) {
   if (!(pixelScale > 0) || !std::isfinite(pixelScale)) pixelScale = 1;
   const PixelRect frame{0, 0, target.width, target.height};
   cairo_surface_t* surface = cairo_get_target(cr);
@@ -372,13 +401,13 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
       pixman_image_get_height(pixels) != target.height) {
     // Not pixels this renderer can keep: every frame is drawn whole.
     if (pixels != nullptr) pixman_image_unref(pixels);
-    draw(cr, view, pixelScale, framesPerSecond);
+    draw(cr, view, pixelScale, framesPerSecond, stepFraction);
     hasPrevious_ = false;
     mismatchedPixels_ = 0;
     damage_.assign(1, frame);
     return damage_;
   }
-  stampItems(view, pixelScale, framesPerSecond, target);
+  stampItems(view, pixelScale, framesPerSecond, stepFraction, target);
   records_.clear();
   for (const StampedItem& item : items_) records_.push_back(item.record);
 
@@ -400,7 +429,7 @@ const std::vector<PixelRect>& Renderer::drawChanges(cairo_t* cr, PixelSize targe
     cairo_surface_mark_dirty(surface);
   }
   hasPrevious_ = !missingMasks_;
-  mismatchedPixels_ = reference_ ? pixelsUnlikeFullRedraw(pixels, view, pixelScale, framesPerSecond) : 0;
+  mismatchedPixels_ = reference_ ? pixelsUnlikeFullRedraw(pixels, view, pixelScale, framesPerSecond, stepFraction) : 0;
   pixman_image_unref(pixels);
   return damage_;
 }
@@ -456,7 +485,7 @@ void Renderer::setVerifies(bool on) {
 }
 
 int64_t Renderer::pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale,
-                                         double framesPerSecond) {
+                                         double framesPerSecond, double stepFraction) {
   const int width = pixman_image_get_width(drawn), height = pixman_image_get_height(drawn);
   const bool opaque = pixman_image_get_format(drawn) == PIXMAN_x8r8g8b8;
   cairo_surface_t* full = cairo_image_surface_create(opaque ? CAIRO_FORMAT_RGB24 : CAIRO_FORMAT_ARGB32, width, height);
@@ -467,7 +496,7 @@ int64_t Renderer::pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view
   // Masks kept from earlier frames would hide a mask whose key does not hold all that decides it.
   reference_->masks_.clear();
   cairo_t* cr = cairo_create(full);
-  reference_->draw(cr, view, pixelScale, framesPerSecond);
+  reference_->draw(cr, view, pixelScale, framesPerSecond, stepFraction);
   cairo_destroy(cr);
   cairo_surface_flush(full);
   const uint32_t unused = opaque ? 0xff000000u : 0;  // the fourth byte of an opaque pixel means nothing
@@ -484,7 +513,8 @@ int64_t Renderer::pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view
   return differing;
 }
 
-PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond) {
+PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond,
+                            double stepFraction) {
   const Size size = view.scene() != nullptr ? view.scene()->size() : view.size();
   const int width = pixelExtent(size.width);
   const int height = pixelExtent(size.height);
@@ -495,7 +525,7 @@ PngWrite Renderer::writePNG(const View& view, const std::filesystem::path& file,
     return failureOf(status);
   }
   cairo_t* cr = cairo_create(surface);
-  draw(cr, view, 1.0, framesPerSecond);
+  draw(cr, view, 1.0, framesPerSecond, stepFraction);
   const cairo_status_t drawn = cairo_status(cr);
   cairo_destroy(cr);
   if (drawn != CAIRO_STATUS_SUCCESS) {

@@ -44,14 +44,16 @@ class Renderer {
 
   // Draws the view's scene into `cr`'s target, whose pixels cover the view at `pixelScale` pixels per
   // point, whatever `cr`'s own matrix and clip.
-  // `framesPerSecond` is what the frame-rate counter shows.
-  void draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond);
+  // `framesPerSecond` is what the frame-rate counter shows. `stepFraction` places the frame between
+  // the last two steps: nodes that moved in the last step are drawn that far along their move, and 1
+  // draws the last step as it is (see Node::placementBetweenSteps).
+  void draw(cairo_t* cr, const View& view, double pixelScale, double framesPerSecond, double stepFraction = 1);
 
   // Like draw, into an image of `target` pixels that still holds the frame drawn by the previous call
   // when `targetKept` (false for a new or lost surface). Returns the boxes it redrew, in pixels: the
   // whole frame, some parts of it, or none when nothing changed.
   const std::vector<PixelRect>& drawChanges(cairo_t* cr, PixelSize target, const View& view, double pixelScale,
-                                            double framesPerSecond, bool targetKept);
+                                            double framesPerSecond, bool targetKept, double stepFraction = 1);
 
   // With tracking off every drawChanges redraws the whole frame (for comparisons).
   void setTracksDamage(bool on) { tracksDamage_ = on; }
@@ -67,7 +69,8 @@ class Renderer {
   const StampCache& masks() const { return masks_; }
 
   // Writes a PNG of what the window would show now, at the scene's size in points (scale 1).
-  PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond);
+  PngWrite writePNG(const View& view, const std::filesystem::path& file, double framesPerSecond,
+                    double stepFraction = 1);
 
  private:
   // Masks beyond this many bytes per pixel of the frame are let go, least recently used first. A mask
@@ -78,11 +81,12 @@ class Renderer {
   static constexpr std::size_t kKeptColors = 32;
 
   // Fills items_ and stamps_ with the frame's stamped items, the counters last.
-  void stampItems(const View& view, double pixelScale, double framesPerSecond, PixelSize target);
+  void stampItems(const View& view, double pixelScale, double framesPerSecond, double stepFraction, PixelSize target);
   // The mask of one of an item's stamps, found or drawn now; nullptr, said once, when memory runs out.
   pixman_image_t* maskOf(const StampedItem& item, const Stamp& stamp);
   // Draws the frame whole into an image of its own and counts the pixels where `drawn` differs.
-  int64_t pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale, double framesPerSecond);
+  int64_t pixelsUnlikeFullRedraw(pixman_image_t* drawn, const View& view, double pixelScale, double framesPerSecond,
+                                 double stepFraction);
   // Paints the background and every item into `target`, inside `boxes` only.
   void paint(pixman_image_t* target, const Scene* scene, const std::vector<PixelRect>& boxes);
   void paintBox(pixman_image_t* target, const Scene* scene, const PixelRect& box);
@@ -96,6 +100,7 @@ class Renderer {
   bool tracksDamage_ = true;
   bool hasPrevious_ = false;
   uint64_t previousBackdrop_ = 0;
+  std::vector<Path> pathsBetweenSteps_;  // outlines of this frame that lie between two steps
   std::vector<StampedItem> items_;
   std::vector<Stamp> stamps_;  // the items' stamps, in drawing order
   std::vector<pixman_image_t*> stampMasks_;  // each stamp's mask once looked up this frame

@@ -44,8 +44,11 @@ constexpr double kStrokeWidth = 3;
 void driftAndWrap(Node& group, double dx, double margin, double width) {
   for (const NodePtr& child : group.children()) {
     double x = child->position.x + dx;
-    if (x < -margin) x = width + margin;
+    const bool wraps = x < -margin;
+    if (wraps) x = width + margin;
     child->position.x = x;
+    // Frames between steps draw it at the right edge at once, not sliding back across the sky.
+    if (wraps) child->placeWithoutSlide();
   }
 }
 

@@ -140,6 +140,27 @@ TEST(Screenshots, TheComparisonCatchesOneStrayBird) {
   EXPECT_GT(worstTile(reference.get(), copy.get()).wrong, kMaxWrongPerTile);
 }
 
+// `screenshot FILE at F`: the picture a display shows F of a step after the last step. At 0 it is the
+// last step's picture itself; in between, the run is drawn between its last two steps; near 1 it has
+// all but arrived at the last step.
+TEST(Screenshots, AtAFractionOfAStepTheRunIsDrawnBetweenItsLastTwoSteps) {
+  TempFolder folder("zb-screenshot-between");
+  const auto shot = [&](const char* name) { return (folder.path() / name).string(); };
+  const std::string script = "autoplay 299\nscreenshot " + shot("before.png") + "\nautoplay 1\nscreenshot " +
+                             shot("last.png") + "\nscreenshot " + shot("zero.png") + " at 0\nscreenshot " +
+                             shot("half.png") + " at 0.5\nscreenshot " + shot("almost.png") + " at 0.999\ndump\n";
+  const BinaryRun run = runBinary({ZB_BINARY, "--headless", "--seed", "9", "--size", "800x600"}, script);
+  ASSERT_EQ(run.status, 0) << run.err;
+  const std::vector<Json> dumps = HeadlessRun{run.status, run.out, run.err}.dumps();
+  ASSERT_EQ(dumps.at(0)["gameState"].get<std::string>(), "playing");
+  const Surface before = readPNG(shot("before.png")), last = readPNG(shot("last.png"));
+  EXPECT_EQ(worstTile(readPNG(shot("zero.png")).get(), last.get(), 0).wrong, 0);
+  const Surface half = readPNG(shot("half.png"));
+  EXPECT_GT(worstTile(half.get(), last.get(), 0).wrong, kMaxWrongPerTile);
+  EXPECT_GT(worstTile(half.get(), before.get(), 0).wrong, kMaxWrongPerTile);
+  EXPECT_LE(worstTile(readPNG(shot("almost.png")).get(), last.get()).wrong, kMaxWrongPerTile);
+}
+
 // The way of presenting asked for; the virtual display has no graphics card behind it, so without a
 // choice the framebuffer is used.
 class WindowPixels : public testing::TestWithParam<const char*> {};

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <optional>
+
 #include "engine/action.hpp"
 #include "engine/path.hpp"
 #include "engine/scene.hpp"
@@ -105,6 +108,80 @@ TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
   EXPECT_NEAR(stage.node->position.x, 40, 1e-9);
   EXPECT_EQ(completions, 3);
   EXPECT_FALSE(stage.node->hasActions());
+}
+
+// A frame between two steps draws each node that far along its last step's change, whatever made it:
+// an action, or a per-step write such as the obstacles' scroll.
+struct SteppedScene : Scene {
+  using Scene::Scene;
+  void update(double) override {
+    if (perStep) perStep();
+  }
+  std::function<void()> perStep;
+};
+
+TEST(BetweenStepsTest, PlacementsAndOutlinesBlendWhileJumpsAndNewcomersAreDrawnWhereTheyAre) {
+  Stage stage;
+  auto stepped = std::make_shared<SteppedScene>(Size{800, 400});
+  stage.scene = stepped;
+  stage.scene->addChild(stage.node);
+  NodePtr scrolled = std::make_shared<Node>();
+  ShapeNodePtr limb = ShapeNode::withPath(Path::line({0, 0}, {10, -40}));
+  stage.scene->addChild(scrolled);
+  stage.scene->addChild(limb);
+  stage.frames(1);
+  stage.node->runAction(actions::rotateBy(0.6, 0.1));
+  stage.node->runAction(actions::fadeOut(0.1));
+  stage.node->runAction(actions::moveBy(60, 0, 0.1));
+  stage.frames(1);
+  stepped->perStep = [&] {
+    scrolled->position.x -= 8;
+    scrolled->xScale = 3;
+    limb->path = Path::line({0, 0}, {-10, -40});
+  };
+  stage.frames(1);
+  stepped->perStep = nullptr;
+  const NodePlacement halfway = stage.node->placementBetweenSteps(0.5);
+  EXPECT_NEAR(halfway.position.x, 15, 1e-9);
+  EXPECT_NEAR(halfway.zRotation, 0.15, 1e-9);
+  EXPECT_NEAR(halfway.alpha, 1 - 0.25, 1e-9);
+  EXPECT_EQ(stage.node->placementBetweenSteps(1), stage.node->placement()) << "1 is the last step itself";
+  EXPECT_NEAR(stage.node->placementBetweenSteps(0.999).position.x, 20, 0.01);
+  EXPECT_EQ(stage.node->placementBetweenSteps(0).position.x, 10) << "0 is the step before";
+  // Per-step writes of the scene's update move smoothly as actions do.
+  EXPECT_NEAR(scrolled->placementBetweenSteps(0.25).position.x, -2, 1e-9);
+  EXPECT_NEAR(scrolled->placementBetweenSteps(0.25).xScale, 1.5, 1e-9);
+  const std::optional<Path> stride = limb->pathBetweenSteps(0.5);
+  ASSERT_TRUE(stride);
+  EXPECT_EQ(stride->elements().back().point, (Point{0, -40})) << "a pose stroke swings through";
+
+  // Jumps: a node put back from a pool, one moved to another parent, one shown again, one marked, and
+  // one changed after its step (by input) all show where they are now; so do paths of another make.
+  NodePtr pooled = std::make_shared<Node>(), moved = std::make_shared<Node>(), shown = std::make_shared<Node>();
+  NodePtr marked = std::make_shared<Node>(), nudged = std::make_shared<Node>();
+  for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) stage.scene->addChild(n);
+  shown->hidden = true;
+  stage.frames(1);
+  pooled->removeFromParent();
+  stage.frames(1);
+  stepped->perStep = [&] {
+    for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) n->position = {500, 5};
+    stage.scene->addChild(pooled);
+    stage.node->addChild(moved);
+    shown->hidden = false;
+    marked->placeWithoutSlide();
+    limb->path = Path::circle(4);
+  };
+  stage.frames(1);
+  stepped->perStep = nullptr;
+  EXPECT_NE(nudged->placementBetweenSteps(0.5), nudged->placement()) << "it moved in the step";
+  nudged->position.x += 1;
+  for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) {
+    EXPECT_EQ(n->placementBetweenSteps(0.5), n->placement());
+  }
+  EXPECT_FALSE(limb->pathBetweenSteps(0.5));
+  stage.frames(1);
+  EXPECT_EQ(pooled->placementBetweenSteps(0.5), pooled->placement()) << "nothing moved in this step";
 }
 
 }  // namespace

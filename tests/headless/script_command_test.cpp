@@ -40,6 +40,11 @@ TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k string two  words").value, PreferenceValue(std::string("two  words")));
   EXPECT_EQ(parsed<PrefRemoveCommand>("pref remove k").key, "k");
   EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png").file, "/tmp/shot.png");
+  EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png at 0.25").stepFraction, 0.25);
+  for (const char* bad : {"screenshot a.png at 1", "screenshot a.png at -0.1", "screenshot a.png at half",
+                          "screenshot a.png at", "screenshot a.png by 0.5", "screenshot a.png at 0.5 more"}) {
+    EXPECT_FALSE(parseScriptLine(bad).command) << bad;
+  }
 }
 
 }  // namespace

@@ -36,16 +36,18 @@ int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
 }
 
 // Each frame drawn twice: only its changes over the kept previous frame, as in the window, and whole.
-// The renderer's own verification must count the same differing pixels.
+// The renderer's own verification must count the same differing pixels. Frames are drawn between steps
+// as well as on them.
 struct TrackedDrawing {
   Renderer tracked, full;
   Surface kept{nullptr, cairo_surface_destroy};
   int64_t framesWithDiff = 0, worstDiff = 0;
+  uint32_t bottomLeft = 0;  // a pixel of plain background in the last picture
 
   TrackedDrawing() { tracked.setVerifies(true); }
 
   // Returns the share of the picture that was redrawn.
-  double drawAndCompare(const View& view, double pixelScale, uint64_t frame) {
+  double drawAndCompare(const View& view, double pixelScale, uint64_t frame, double stepFraction = 1) {
     const Size size = view.size();
     const PixelSize pixels{static_cast<int>(size.width * pixelScale), static_cast<int>(size.height * pixelScale)};
     const bool stillThere = kept && cairo_image_surface_get_width(kept.get()) == pixels.width &&
@@ -53,11 +55,15 @@ struct TrackedDrawing {
     if (!stillThere) kept = image(pixels);
     const Surface reference = image(pixels);
     cairo_t* cr = cairo_create(kept.get());
-    const auto& damage = tracked.drawChanges(cr, pixels, view, pixelScale, 60, stillThere);
+    const auto& damage = tracked.drawChanges(cr, pixels, view, pixelScale, 60, stillThere, stepFraction);
     cairo_destroy(cr);
     cr = cairo_create(reference.get());
-    full.draw(cr, view, pixelScale, 60);
+    full.draw(cr, view, pixelScale, 60, stepFraction);
     cairo_destroy(cr);
+    cairo_surface_flush(reference.get());
+    const unsigned char* lastRow = cairo_image_surface_get_data(reference.get()) +
+                                   int64_t{cairo_image_surface_get_stride(reference.get())} * (pixels.height - 1);
+    bottomLeft = *reinterpret_cast<const uint32_t*>(lastRow) & 0xffffff;
     const int64_t differing = differingPixels(kept.get(), reference.get());
     EXPECT_EQ(tracked.mismatchedPixels(), differing) << "frame " << frame << ": verification";
     worstDiff = std::max(worstDiff, differing);
@@ -73,7 +79,9 @@ struct TrackedRun : TrackedDrawing {
   HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
   double pixelScale = 1;
 
-  double drawAndCompare(uint64_t frame) { return TrackedDrawing::drawAndCompare(session.view(), pixelScale, frame); }
+  double drawAndCompare(uint64_t frame, double stepFraction = 1) {
+    return TrackedDrawing::drawAndCompare(session.view(), pixelScale, frame, stepFraction);
+  }
 };
 
 TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedrawsNothing) {
@@ -108,8 +116,15 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedraws
     run.session.run(handsOff ? ScriptCommand{StepCommand{1}} : ScriptCommand{AutoplayCommand{1}});
     crashes += !wasOver && scene.gameState == GameScene::GameState::gameOver;
     departures += scene.children().size() < children;
-    paletteChanges += scene.currentPaletteIndex != palette;
-    redrawn += run.drawAndCompare(frame);
+    const bool newPalette = scene.currentPaletteIndex != palette;
+    paletteChanges += newPalette;
+    const uint32_t oldBackground = run.bottomLeft;
+    // On the step, and between steps as a faster display or a slower game shows them.
+    constexpr double kFractions[] = {1, 0.3, 0.75};
+    redrawn += run.drawAndCompare(frame, newPalette ? 0.5 : kFractions[frame % 3]);
+    if (newPalette) {
+      EXPECT_NE(run.bottomLeft, oldBackground) << "a new palette shows at once, between steps too";
+    }
   }
   EXPECT_EQ(run.framesWithDiff, 0);
   EXPECT_GE(crashes, 2) << "the run must see the shake";

@@ -3,7 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
+#include <map>
+#include <set>
 #include <vector>
+
+#include "player/autoplay.hpp"
 
 #include "scene/scene_fixture.hpp"
 
@@ -122,6 +127,76 @@ TEST(Palettes, GameOverAt800ThenTheMenuAdvancesOnceMoreAndARetryKeepsThePalette)
     s.step(10);
     expectPalette(*s, retry ? 2 : 3);
   }
+}
+
+void forEachNode(const Node& node, const std::function<void(const Node&)>& f) {
+  for (const NodePtr& child : node.children()) {
+    f(*child);
+    forEachNode(*child, f);
+  }
+}
+
+// Frames between two steps: what a step moved is drawn part of the way along its move, what jumped
+// (an obstacle back from the pool, scenery wrapping round, a page shown, a resize) where it is.
+TEST(BetweenSteps, ARunSlidesWhatMovesAndDrawsWhatJumpsWhereItIs) {
+  AttachedScene s;
+  Autoplayer player;
+  s->startGame();
+  std::set<const Node*> seen;
+  int slid = 0, reused = 0, wrapped = 0, strides = 0;
+  for (int i = 0; i < 6000 && (reused == 0 || wrapped == 0) && s->gameState == State::playing; ++i) {
+    std::map<const Node*, double> before;
+    for (const auto& o : s->obstacleNodes) before[o.get()] = o->position.x;
+    for (const NodePtr& b : s->buildingGroup->children()) before[b.get()] = b->position.x;
+    for (const KeyStroke& stroke : player.play(*s)) stroke.down ? s.press(stroke.keyCode) : s.release(stroke.keyCode);
+    s.step();
+    for (const auto& o : s->obstacleNodes) {
+      const auto was = before.find(o.get());
+      if (was == before.end()) {
+        EXPECT_EQ(o->placementBetweenSteps(0.5), o->placement()) << "a new obstacle appears where it is put";
+        reused += !seen.insert(o.get()).second;
+      } else {
+        EXPECT_DOUBLE_EQ(o->placementBetweenSteps(0.5).position.x, (was->second + o->position.x) / 2);
+        ++slid;
+      }
+    }
+    for (const NodePtr& b : s->buildingGroup->children()) {
+      if (b->position.x > before[b.get()]) {
+        EXPECT_EQ(b->placementBetweenSteps(0.5), b->placement()) << "a wrapping building does not slide back";
+        ++wrapped;
+      } else {
+        EXPECT_DOUBLE_EQ(b->placementBetweenSteps(0.5).position.x, (before[b.get()] + b->position.x) / 2);
+      }
+    }
+    strides += s->playerLegLeft->pathBetweenSteps(0.5).has_value();
+  }
+  EXPECT_GT(slid, 100);
+  EXPECT_GT(reused, 0);
+  EXPECT_GT(wrapped, 0);
+  EXPECT_GT(strides, 0) << "the figure's strokes swing between poses";
+
+  s.runUntilCrash();
+  ASSERT_EQ(s->gameState, State::gameOver);
+  forEachNode(*s->gameOverOverlay, [](const Node& n) { EXPECT_EQ(n.placementBetweenSteps(0.5), n.placement()); });
+  const std::vector<ShapeNodePtr> dots = s->explosionDots();
+  ASSERT_FALSE(dots.empty());
+  EXPECT_EQ(dots[0]->placementBetweenSteps(0.5), dots[0]->placement()) << "the burst starts at the crash";
+  const Point burstStart = dots[0]->position, shakeStart = s->uiLayer->position;
+  s.step();
+  EXPECT_NEAR(dots[0]->placementBetweenSteps(0.5).position.x, (burstStart.x + dots[0]->position.x) / 2, 1e-9);
+  EXPECT_NEAR(s->uiLayer->placementBetweenSteps(0.5).position.x, (shakeStart.x + s->uiLayer->position.x) / 2, 1e-9);
+  EXPECT_NE(s->uiLayer->position, shakeStart) << "the interface shakes";
+
+  std::map<const Node*, NodePlacement> placed;
+  forEachNode(*s, [&](const Node& n) { placed[&n] = n.placement(); });
+  s.view->setSize({1000, 500});
+  int relaidOut = 0;
+  forEachNode(*s, [&](const Node& n) {
+    if (placed[&n] == n.placement()) return;
+    ++relaidOut;
+    EXPECT_EQ(n.placementBetweenSteps(0.5), n.placement()) << "a resize lays out at once";
+  });
+  EXPECT_GT(relaidOut, 0);
 }
 
 }  // namespace
