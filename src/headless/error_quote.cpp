@@ -15,7 +15,9 @@ std::string quotedForError(std::string_view text) {
     while (end < text.size() && isContinuationByte(text[end])) ++end;
     ++characters;
   }
-  std::string quoted = "'" + std::string(text.substr(0, end)) + "'";
+  // Appended in place: GCC 12 at -O3 warns falsely (-Wrestrict) when prepending to a temporary string.
+  std::string quoted = "'";
+  quoted.append(text.substr(0, end)).append("'");
   if (end < text.size()) quoted += "...";
   return quoted;
 }

@@ -195,7 +195,8 @@ void FilePreferences::say(const std::string& line) {
 // Replaces the file in one step (temporary file beside it, flush to disk, rename), so that a failure
 // leaves the previous file as it was; the values then stay in memory and the next write tries again.
 void FilePreferences::save() {
-  const std::string shown = "'" + file_.string() + "'";
+  // From the path's own string, not a copy: GCC 12 at -O3 warns falsely (-Wrestrict) when prepending to a temporary.
+  const std::string shown = "'" + file_.native() + "'";
   const std::optional<fs::path> target = linkTarget(file_);
   if (!target) {
     say("the preferences path " + shown + " is a loop of symbolic links; settings are kept for this session only");
