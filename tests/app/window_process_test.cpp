@@ -69,11 +69,8 @@ std::string playSession(const std::string& windowManager, int presses) {
 }
 
 TEST(WindowAbuse, ABurstOfFullScreenPressesLeavesAWholeWindowAndAnOutsideCloseEndsWithZero) {
-  for (const char* program : {"xvfb-run", "xdotool", "xwininfo"}) {
-    if (!hasProgram(program)) GTEST_SKIP() << program << " is not installed";
-  }
-  std::vector<std::string> managers = {"none"};
-  if (hasProgram("openbox")) managers.push_back("openbox");
+  ZB_REQUIRE_PROGRAMS("xvfb-run", "xdotool", "xwininfo", "openbox");
+  const std::vector<std::string> managers = {"none", "openbox"};
   const std::string windowed = "960 540 0 0", fullScreen = "1280 720 0 0";  // exit status 0, no X errors
   for (const std::string& manager : managers) {
     for (int presses : {1, 200, 201}) {
