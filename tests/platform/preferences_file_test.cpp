@@ -5,7 +5,7 @@
 
 #include <csignal>
 #include <iterator>
-#include <thread>
+#include <memory>
 
 #include "headless/headless_test_support.hpp"
 #include "support/files.hpp"
@@ -14,9 +14,19 @@ namespace zb {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 fs::path fileInNewFolder(const test::TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
+
+// A clock the test moves by hand, shared by every store made with it.
+struct FakeClock {
+  using TimePoint = std::chrono::steady_clock::time_point;
+  std::shared_ptr<TimePoint> time = std::make_shared<TimePoint>();
+  FilePreferences::Clock reader() const {
+    return [time = time] { return *time; };
+  }
+  // Past the point where a store looks at its file again.
+  void passRefreshInterval() const { *time += FilePreferences::kRefreshInterval; }
+};
 
 // Floats and bools through the file are covered with the settings; here the awkward keys and values.
 TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovalsStick) {
@@ -36,11 +46,12 @@ TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovals
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
   test::TempFolder folder("zb-prefs-copies");
   const fs::path file = fileInNewFolder(folder);
-  FilePreferences mine(file), theirs(file);
+  const FakeClock clock;
+  FilePreferences mine(file, clock.reader()), theirs(file, clock.reader());
   mine.setInteger(10, "quorraHighScore");
-  std::this_thread::sleep_for(300ms);
   theirs.setInteger(250, "quorraHighScore");
-  std::this_thread::sleep_for(300ms);
+  EXPECT_EQ(mine.integerForKey("quorraHighScore"), 10) << "within the interval the store does not read";
+  clock.passRefreshInterval();
   EXPECT_EQ(mine.integerForKey("quorraHighScore"), 250);
   theirs.setInteger(300, "other");
   mine.setFloat(0.5f, "quorra_settingMusicVolume");
@@ -58,7 +69,7 @@ TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothi
   EXPECT_EQ(test::readBytes(file), before);
   EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "left-over temporary file";
   theirs.setInteger(5, "other");
-  std::this_thread::sleep_for(300ms);
+  clock.passRefreshInterval();
   EXPECT_EQ(mine.objectForKey("long"), longText);
   setrlimit(RLIMIT_FSIZE, &old);
   std::signal(SIGXFSZ, oldHandler);
