@@ -9,11 +9,12 @@ include(GNUInstallDirs)
 # The hardening a Debian package build gets (stack protector, fortified libc calls, read-only
 # relocations bound at start; the compiler makes position-independent executables already), asked of
 # dpkg-buildflags so that the .deb carries the distribution's own choice. Only where the code is
-# optimised, since fortify needs it, and not under the sanitizers, which replace those checks; the
-# optimisation and debug flags stay the build type's.
+# optimised, since fortify needs it, and not under the sanitizers (the sanitize preset, the fuzzers),
+# which replace those checks; the optimisation and debug flags stay the build type's.
 find_program(ZB_DPKG_BUILDFLAGS dpkg-buildflags)
-if(ZB_DPKG_BUILDFLAGS AND NOT ZB_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
-  foreach(kind CPPFLAGS CXXFLAGS LDFLAGS)
+if(ZB_DPKG_BUILDFLAGS AND NOT ZB_SANITIZE AND NOT ZB_FUZZ
+   AND CMAKE_BUILD_TYPE MATCHES "^(Release|RelWithDebInfo|MinSizeRel)$")
+  foreach(kind CPPFLAGS CFLAGS CXXFLAGS LDFLAGS)
     execute_process(COMMAND ${CMAKE_COMMAND} -E env DEB_BUILD_MAINT_OPTIONS=hardening=+all
                             ${ZB_DPKG_BUILDFLAGS} --get ${kind}
                     OUTPUT_VARIABLE flags OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -21,7 +22,7 @@ if(ZB_DPKG_BUILDFLAGS AND NOT ZB_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "^(Releas
     list(FILTER flags EXCLUDE REGEX "^-(O|g|ffile-prefix-map=)")
     list(JOIN flags " " ZB_DEB_${kind})
   endforeach()
-  string(APPEND CMAKE_C_FLAGS " ${ZB_DEB_CPPFLAGS} ${ZB_DEB_CXXFLAGS}")
+  string(APPEND CMAKE_C_FLAGS " ${ZB_DEB_CPPFLAGS} ${ZB_DEB_CFLAGS}")
   string(APPEND CMAKE_CXX_FLAGS " ${ZB_DEB_CPPFLAGS} ${ZB_DEB_CXXFLAGS}")
   string(APPEND CMAKE_EXE_LINKER_FLAGS " ${ZB_DEB_LDFLAGS}")
 endif()

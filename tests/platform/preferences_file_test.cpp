@@ -17,17 +17,6 @@ namespace fs = std::filesystem;
 
 fs::path fileInNewFolder(const test::TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
 
-// A clock the test moves by hand, shared by every store made with it.
-struct FakeClock {
-  using TimePoint = std::chrono::steady_clock::time_point;
-  std::shared_ptr<TimePoint> time = std::make_shared<TimePoint>();
-  FilePreferences::Clock reader() const {
-    return [time = time] { return *time; };
-  }
-  // Past the point where a store looks at its file again.
-  void passRefreshInterval() const { *time += FilePreferences::kRefreshInterval; }
-};
-
 // Floats and bools through the file are covered with the settings; here the awkward keys and values.
 TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovalsStick) {
   test::TempFolder folder("zb-prefs-types");
@@ -46,12 +35,14 @@ TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovals
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
   test::TempFolder folder("zb-prefs-copies");
   const fs::path file = fileInNewFolder(folder);
-  const FakeClock clock;
-  FilePreferences mine(file, clock.reader()), theirs(file, clock.reader());
+  // A clock moved by hand, past the point where a store looks at its file again.
+  const auto now = std::make_shared<std::chrono::steady_clock::time_point>();
+  const FilePreferences::Clock clock = [now] { return *now; };
+  FilePreferences mine(file, clock), theirs(file, clock);
   mine.setInteger(10, "quorraHighScore");
   theirs.setInteger(250, "quorraHighScore");
   EXPECT_EQ(mine.integerForKey("quorraHighScore"), 10) << "within the interval the store does not read";
-  clock.passRefreshInterval();
+  *now += FilePreferences::kRefreshInterval;
   EXPECT_EQ(mine.integerForKey("quorraHighScore"), 250);
   theirs.setInteger(300, "other");
   mine.setFloat(0.5f, "quorra_settingMusicVolume");
@@ -69,7 +60,7 @@ TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothi
   EXPECT_EQ(test::readBytes(file), before);
   EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "left-over temporary file";
   theirs.setInteger(5, "other");
-  clock.passRefreshInterval();
+  *now += FilePreferences::kRefreshInterval;
   EXPECT_EQ(mine.objectForKey("long"), longText);
   setrlimit(RLIMIT_FSIZE, &old);
   std::signal(SIGXFSZ, oldHandler);

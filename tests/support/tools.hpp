@@ -1,7 +1,7 @@
 #pragma once
-// Tests that drive outside programs (a virtual display, a bus daemon, the packaging tools). On a
-// developer's machine without one such a test is skipped, with the reason; under CI (CI=true) it
-// fails instead, so that a runner missing a tool cannot report green. scripts/deps.sh installs them.
+// Tests that drive outside programs (a virtual display, a bus daemon, the packaging tools). Without
+// one such a test is skipped on a developer's machine, but fails under CI (CI=true), so that a runner
+// missing a tool cannot report green; scripts/deps.sh installs them all.
 #include <glib.h>
 #include <gtest/gtest.h>
 
@@ -12,15 +12,14 @@
 
 namespace zb::test {
 
-// Whether a program is on the PATH.
 inline bool hasProgram(const std::string& name) {
   g_autofree gchar* found = g_find_program_in_path(name.c_str());
   return found != nullptr;
 }
 
 inline bool underCi() {
-  const char* ci = std::getenv("CI");
-  return ci != nullptr && *ci != '\0' && std::string_view(ci) != "false" && std::string_view(ci) != "0";
+  const std::string_view ci = std::getenv("CI") != nullptr ? std::getenv("CI") : "";
+  return !ci.empty() && ci != "false" && ci != "0";
 }
 
 // The first of `programs` that is not on the PATH; empty when all are.
@@ -34,10 +33,10 @@ inline std::string firstMissingProgram(std::initializer_list<const char*> progra
 }  // namespace zb::test
 
 // Ends the test unless every named program is on the PATH: skipped, or failed under CI.
-#define ZB_REQUIRE_PROGRAMS(...)                                                                  \
-  do {                                                                                            \
-    const std::string zbMissing = ::zb::test::firstMissingProgram({__VA_ARGS__});                 \
-    if (zbMissing.empty()) break;                                                                 \
+#define ZB_REQUIRE_PROGRAMS(...)                                                                     \
+  do {                                                                                               \
+    const std::string zbMissing = ::zb::test::firstMissingProgram({__VA_ARGS__});                    \
+    if (zbMissing.empty()) break;                                                                    \
     if (::zb::test::underCi()) FAIL() << zbMissing << " is not installed; under CI every test runs"; \
-    GTEST_SKIP() << zbMissing << " is not installed";                                             \
+    GTEST_SKIP() << zbMissing << " is not installed";                                                \
   } while (false)
