@@ -16,6 +16,7 @@ test_packages=(
   dbus-daemon                           # a stand-in desktop portal on a private bus
   nlohmann-json3-dev                    # reading the dumps
   desktop-file-utils appstream lintian man-db groff-base  # validating what an install puts in place
+  devscripts                            # hardening-check, on the packaged program
 )
 
 wanted=("${build_packages[@]}")

@@ -17,12 +17,26 @@ for preset in release sanitize; do
   ctest --preset "$preset" -j "$jobs"
 done
 
+# The build as a distribution makes it: no presets, the compiler's -O3, warnings not fatal. Any warning
+# still fails here, with GCC and with clang.
+for compiler in gcc:g++ clang:clang++; do
+  folder="build/plain-${compiler%%:*}"
+  echo "=== plain Release build: ${compiler%%:*}"
+  CC=${compiler%%:*} CXX=${compiler##*:} cmake -S . -B "$folder" -DCMAKE_BUILD_TYPE=Release >/dev/null
+  # From clean, so that a warning in a file built by an earlier run is seen again.
+  cmake --build "$folder" --clean-first -j "$jobs" 2>&1 | tee "$folder/build.log"
+  if grep -q "warning:" "$folder/build.log"; then
+    echo "zindlebop: the plain Release build with ${compiler%%:*} warns (see $folder/build.log)" >&2
+    exit 1
+  fi
+done
+
 # Short fuzz runs of the script parser and the preferences reader (clang's libFuzzer). Longer runs:
 # ninja -C build/fuzz fuzz_script_run (ZB_FUZZ_SECONDS, 60 by default).
 fuzz_seconds=${ZB_FUZZ_SECONDS:-15}
 echo "=== fuzz: build"
 cmake -S . -B build/fuzz -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
-  -DCMAKE_C_COMPILER=clang -DZB_FUZZ=ON -DZB_TESTS=OFF >/dev/null
+  -DCMAKE_C_COMPILER=clang -DZB_FUZZ=ON -DZB_TESTS=OFF -DZB_WERROR=ON >/dev/null
 cmake --build build/fuzz --target fuzz_script fuzz_preferences -j "$jobs"
 echo "=== fuzz: $fuzz_seconds s per target"
 for target in script preferences; do

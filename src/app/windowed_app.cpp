@@ -92,9 +92,8 @@ int runWindowedGame(const CommandLineOptions& options) {
   // Without an audio device the game plays silent.
   std::unique_ptr<MixerSoundOutput> sound = MixerSoundOutput::open();
   SdlView view(window->sizeInPoints(), window.get(), sound.get());
-  // Drawing order comes from z positions alone. The counters start on but the scene's attachment ends
-  // on the menu, which switches them off, so they show only once the player turns them on.
-  view.ignoresSiblingOrder = true;
+  // The counters start on but the scene's attachment ends on the menu, which switches them off, so
+  // they show only once the player turns them on.
   view.showsFPS = true;
   view.showsNodeCount = true;
   const std::shared_ptr<GameScene> scene = makeGameScene(options, view.size(), preferences, desktopWantsLessMotion);

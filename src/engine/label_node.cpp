@@ -13,12 +13,6 @@ void LabelNode::setText(std::string text) {
   ++revision_;
 }
 
-void LabelNode::setFontName(std::string fontName) {
-  if (fontName == fontName_) return;
-  fontName_ = std::move(fontName);
-  ++revision_;
-}
-
 void LabelNode::setFontSize(double size) {
   if (size == fontSize_) return;
   fontSize_ = size;

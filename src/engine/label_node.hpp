@@ -20,7 +20,6 @@ class LabelNode : public Node {
   const std::string& text() const { return text_; }
   void setText(std::string text);
   const std::string& fontName() const { return fontName_; }
-  void setFontName(std::string fontName);
   double fontSize() const { return fontSize_; }
   void setFontSize(double size);
   // 0 means as many lines as the text needs.

@@ -152,8 +152,6 @@ void Node::runAction(ActionPtr action, std::function<void()> completion) {
   registerForActions();
 }
 
-void Node::removeAllActions() { actions_.clear(); }
-
 bool Node::hasActions() const { return !actions_.empty(); }
 
 std::size_t Node::subtreeNodeCount() const {

@@ -83,7 +83,6 @@ class Node : public std::enable_shared_from_this<Node> {
   // Starts an action on this node. Several actions run side by side. The completion runs once, right
   // after the action finishes. Actions advance only while the node is in a scene's tree.
   void runAction(ActionPtr action, std::function<void()> completion = {});
-  void removeAllActions();
   bool hasActions() const;
 
   // Number of nodes in this subtree, this node included.

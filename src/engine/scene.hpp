@@ -16,11 +16,6 @@ namespace zb {
 
 class View;
 
-// Stands in for an archive a scene can be restored from; it carries only the scene's size.
-struct Coder {
-  Size size;
-};
-
 class Scene : public Node {
  public:
   explicit Scene(Size size = {});
@@ -32,7 +27,6 @@ class Scene : public Node {
 
   Color backgroundColor = Color::rgba(0.15, 0.15, 0.15, 1);
   bool paused = false;
-  bool userInteractionEnabled = false;
 
   View* view() const { return view_; }
   double currentTime() const { return time_; }

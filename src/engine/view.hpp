@@ -46,8 +46,6 @@ class View {
 
   bool showsFPS = false;
   bool showsNodeCount = false;
-  // Recorded but not consulted: the renderer always orders by z alone, ties in tree order.
-  bool ignoresSiblingOrder = false;
 
   // One displayed frame: the scene's clock advances by 1/60 s, then the update and the actions due.
   void stepFrame();

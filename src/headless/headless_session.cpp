@@ -56,7 +56,6 @@ void HeadlessSession::launch() {
   frame_ = 0;
   // The same start-up settings as the window's. They are set before the scene attaches, because the
   // attachment ends on the menu, which switches the counters off until the player turns them on.
-  view_.ignoresSiblingOrder = true;
   view_.showsFPS = true;
   view_.showsNodeCount = true;
   view_.presentScene(scene_);

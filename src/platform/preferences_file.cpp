@@ -28,9 +28,6 @@ namespace fs = std::filesystem;
 
 // Far more than the game writes; a larger file is not ours, and reading it would stall the launch.
 constexpr uintmax_t kMaxFileBytes = 1 << 20;
-// How stale a read may be: often enough that another copy's best score shows at once, seldom enough
-// that a frame does not touch the disk.
-constexpr auto kRefreshInterval = std::chrono::milliseconds(250);
 constexpr mode_t kFileMode = 0644;
 constexpr int kFolderMode = 0755;
 // Copies of unreadable files made within the same second get a number after the time.
@@ -93,7 +90,9 @@ std::optional<fs::path> keepCopyOf(const fs::path& file) {
 
 }  // namespace
 
-FilePreferences::FilePreferences(std::filesystem::path file) : file_(std::move(file)) { reloadIfChanged(); }
+FilePreferences::FilePreferences(std::filesystem::path file, Clock now) : file_(std::move(file)), now_(std::move(now)) {
+  reloadIfChanged();
+}
 
 std::filesystem::path FilePreferences::defaultLocation() {
   const char* xdg = std::getenv("XDG_CONFIG_HOME");
@@ -169,15 +168,14 @@ FilePreferences::FileRead FilePreferences::readFile(const std::filesystem::path&
 }
 
 void FilePreferences::refreshIfDue() {
-  auto now = std::chrono::steady_clock::now();
-  if (now - lastCheck_ < kRefreshInterval) return;
+  if (now_() - lastCheck_ < kRefreshInterval) return;
   reloadIfChanged();
 }
 
 // Reads the file again if it changed since the last look. Keys written here that have not reached
 // the disk yet keep their values in memory; every other key takes the disk's value.
 void FilePreferences::reloadIfChanged() {
-  lastCheck_ = std::chrono::steady_clock::now();
+  lastCheck_ = now_();
   FileStamp stamp = stampOf(file_);
   if (stamp == loadedStamp_) return;
   FileRead read = readFile(file_);
@@ -240,7 +238,7 @@ void FilePreferences::save() {
   unsavedKeys_.clear();
   loadedText_ = data;
   loadedStamp_ = stampOf(file_);
-  lastCheck_ = std::chrono::steady_clock::now();
+  lastCheck_ = now_();
 }
 
 }  // namespace zb

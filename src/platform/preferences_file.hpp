@@ -8,6 +8,7 @@
 // stays in memory, with one line on standard error naming the file and why.
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 
@@ -17,7 +18,13 @@ namespace zb {
 
 class FilePreferences : public MemoryPreferences {
  public:
-  explicit FilePreferences(std::filesystem::path file);
+  using Clock = std::function<std::chrono::steady_clock::time_point()>;
+  // How stale a read may be: often enough that another copy's best score shows at once, seldom enough
+  // that a frame does not touch the disk.
+  static constexpr auto kRefreshInterval = std::chrono::milliseconds(250);
+
+  // `now` times the refreshes; tests pass a clock of their own.
+  explicit FilePreferences(std::filesystem::path file, Clock now = std::chrono::steady_clock::now);
   static std::filesystem::path defaultLocation();
 
   std::optional<PreferenceValue> objectForKey(std::string_view key) override;
@@ -53,6 +60,7 @@ class FilePreferences : public MemoryPreferences {
   void sayCannotSave(const std::string& reason);
 
   std::filesystem::path file_;
+  Clock now_;
   FileStamp loadedStamp_;
   std::chrono::steady_clock::time_point lastCheck_;
   // Keys set or removed here since the last load; they win over the disk until a write succeeds.

@@ -22,8 +22,6 @@ std::string lowercase(std::string_view text) {
 
 }  // namespace
 
-std::string_view presentPathName(PresentPath path) { return path == PresentPath::gl ? "gl" : "framebuffer"; }
-
 std::optional<PresentPath> requestedPresentPath(const char* value, std::string& complaint) {
   complaint.clear();
   if (value == nullptr || *value == '\0') return std::nullopt;

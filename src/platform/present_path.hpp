@@ -18,8 +18,6 @@ enum class PresentPath { framebuffer, gl };
 
 inline constexpr const char* kPresentVariable = "ZINDLEBOP_PRESENT";
 
-std::string_view presentPathName(PresentPath path);
-
 // The path a ZINDLEBOP_PRESENT value asks for; nothing for an empty or unset value, and nothing with
 // `complaint` set for one that names no path.
 std::optional<PresentPath> requestedPresentPath(const char* value, std::string& complaint);

@@ -17,8 +17,6 @@ class SdlView final : public View {
   void cursorMoved() override;
   SoundOutput& soundOutput() override;
 
-  bool isCursorHidden() const { return cursorHidden_; }
-
  private:
   Window* window_;
   SoundOutput* sound_;

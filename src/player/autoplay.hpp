@@ -27,9 +27,6 @@ class Autoplayer {
   // The keys to press and release before the coming frame, in order.
   std::vector<KeyStroke> play(const GameScene& scene);
 
-  // Take-offs so far, the late ones included.
-  int64_t takeOffs() const { return takeOffs_; }
-
  private:
   void readKeys(const GameScene& scene);
   void playRun(const GameScene& scene);
@@ -64,7 +61,7 @@ class Autoplayer {
   bool planValid_ = false;
   std::vector<const Node*> plannedFor_;
 
-  int64_t takeOffs_ = 0;
+  int64_t takeOffs_ = 0;  // so far, the late ones included: every so many is a late one
   int64_t lateFramesLeft_ = 0;  // a late reaction in progress: frames until the delayed press
 };
 

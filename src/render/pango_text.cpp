@@ -400,20 +400,4 @@ void showGlyph(cairo_t* cr, void* font, uint32_t glyph) {
 
 PangoContext* sharedTextContext() { return sharedContext(); }
 
-std::string resolvedFamilyFor(const char* family) {
-  PangoContext* context = sharedContext();
-  PangoFontDescription* description = pango_font_description_new();
-  pango_font_description_set_family(description, family ? family : "");
-  pango_font_description_set_absolute_size(description, 12 * PANGO_SCALE);
-  PangoFont* font = pango_font_map_load_font(pango_context_get_font_map(context), context, description);
-  pango_font_description_free(description);
-  if (!font) return {};
-  PangoFontDescription* actual = pango_font_describe(font);
-  const char* name = pango_font_description_get_family(actual);
-  std::string result = name ? name : "";
-  pango_font_description_free(actual);
-  g_object_unref(font);
-  return result;
-}
-
 }  // namespace zb

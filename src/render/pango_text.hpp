@@ -40,7 +40,4 @@ void showGlyph(cairo_t* cr, void* font, uint32_t glyph);
 // unrounded glyph positions, so a layout measures the same at any drawing scale.
 PangoContext* sharedTextContext();
 
-// Name of the font family that "Menlo" resolves to (for checks and diagnostics).
-std::string resolvedFamilyFor(const char* family);
-
 }  // namespace zb

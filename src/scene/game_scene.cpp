@@ -20,9 +20,6 @@ GameScene::GameScene() : Scene() { initializeFields(); }
 
 GameScene::GameScene(Size size) : Scene(size) { initializeFields(); }
 
-// Kept for restoring a saved scene: only the size is read, everything else starts fresh.
-GameScene::GameScene(const Coder& coder) : Scene(coder.size) { initializeFields(); }
-
 GameScene::~GameScene() = default;
 
 // The header gives every number its default; this builds the nodes and the tables.

@@ -58,8 +58,6 @@ class GameScene : public Scene {
 
   class ObstacleNode : public ShapeNode {
    public:
-    ObstacleNode() = default;
-    explicit ObstacleNode(const Coder&) {}  // like the scene's: restoring from an archive starts fresh
     ObstacleType obstacleType = ObstacleType::boxSmall;
   };
   using ObstacleNodePtr = std::shared_ptr<ObstacleNode>;
@@ -72,7 +70,6 @@ class GameScene : public Scene {
 
   GameScene();
   explicit GameScene(Size size);
-  explicit GameScene(const Coder& coder);
   ~GameScene() override;
 
   // Must be called before the scene is presented; the services are read from attachment on.
@@ -104,7 +101,9 @@ class GameScene : public Scene {
   ShapeNodePtr groundLine;
   std::shared_ptr<Node> backgroundGroup;
   std::shared_ptr<Node> cloudGroup;
-  std::shared_ptr<Node> starGroup;  // never filled, only emptied: it keeps the node tree and counter as players know them
+  // Always empty, the sky has no stars; kept (and cleared with the scenery) because the node count on
+  // screen includes it and the dump reports its children as starCount.
+  std::shared_ptr<Node> starGroup;
   std::shared_ptr<Node> buildingGroup;
   double layoutScale = 1.0;
   bool isPausedManually = false;  // written, never read: only the player pauses, yet the dump reports it

@@ -49,7 +49,6 @@ void GameScene::setupScene() {
   addChild(groundLine);
   addChild(playerContainer);
   addChild(uiLayer);
-  userInteractionEnabled = true;
   if (!backgroundMusicNode) buildMusicNode();
 }
 

@@ -38,7 +38,7 @@ TEST(WindowSmoke, BadOptionsPrintUsageAndExitWithTwoAndVersionPrintsOneLine) {
 
 // The window's own screenshot at exit is refused for a FIFO, which would wait for a reader for ever.
 TEST(WindowSmoke, AScreenshotToAFifoIsRefusedInOneLineInsteadOfWaiting) {
-  if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
+  ZB_REQUIRE_PROGRAMS("xvfb-run");
   const std::string fifo = std::filesystem::temp_directory_path() / ("zb-window-fifo-" + std::to_string(::getpid()));
   ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
   const BinaryRun run = runBinary({"/usr/bin/env", "ASAN_OPTIONS=detect_leaks=0", "xvfb-run", "-a", ZB_BINARY,
@@ -55,6 +55,7 @@ TEST(WindowSmoke, AScreenshotToAFifoIsRefusedInOneLineInsteadOfWaiting) {
 // (bounded at 5 s here, so that a busy machine cannot fail it), after one line about the bus. The same
 // short runs draw every frame both ways (ZINDLEBOP_DAMAGE=verify) and find no difference.
 TEST(WindowStart, ASilentOrFrozenDesktopBusDoesNotHoldTheFirstFrame) {
+  ZB_REQUIRE_PROGRAMS("xvfb-run", "dbus-daemon");
   const TempFolder folder("zb-window-bus");
   const MuteBus mute;
   const FrozenBus frozen;
@@ -115,11 +116,8 @@ std::string playSession(const std::string& windowManager, int presses) {
 }
 
 TEST(WindowAbuse, ABurstOfFullScreenPressesLeavesAWholeWindowAndAnOutsideCloseEndsWithZero) {
-  for (const char* program : {"xvfb-run", "xdotool", "xwininfo"}) {
-    if (!hasProgram(program)) GTEST_SKIP() << program << " is not installed";
-  }
-  std::vector<std::string> managers = {"none"};
-  if (hasProgram("openbox")) managers.push_back("openbox");
+  ZB_REQUIRE_PROGRAMS("xvfb-run", "xdotool", "xwininfo", "openbox");
+  const std::vector<std::string> managers = {"none", "openbox"};
   const std::string windowed = "960 540 0 0", fullScreen = "1280 720 0 0";  // exit status 0, no X errors
   for (const std::string& manager : managers) {
     for (int presses : {1, 200, 201}) {

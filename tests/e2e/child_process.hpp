@@ -10,13 +10,9 @@
 #include <string_view>
 #include <vector>
 
-namespace zb::test {
+#include "support/tools.hpp"
 
-// Whether a program is on the PATH, for tests that need a tool the machine may lack.
-inline bool hasProgram(const std::string& name) {
-  g_autofree gchar* found = g_find_program_in_path(name.c_str());
-  return found != nullptr;
-}
+namespace zb::test {
 
 class ChildProcess {
  public:

@@ -166,7 +166,7 @@ TEST(Screenshots, AtAFractionOfAStepTheRunIsDrawnBetweenItsLastTwoSteps) {
 class WindowPixels : public testing::TestWithParam<const char*> {};
 
 TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
-  if (!hasProgram("xvfb-run")) GTEST_SKIP() << "xvfb-run is not installed";
+  ZB_REQUIRE_PROGRAMS("xvfb-run");
   const std::string chosen = GetParam(), used = chosen.empty() ? "framebuffer" : chosen;
   TempFolder folder("zb-window-pixels-" + used);
   const std::string window = folder.path() / "window.png", headless = folder.path() / "headless.png";

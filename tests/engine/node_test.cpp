@@ -24,15 +24,16 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
     barrel->addChild(line);
   }
   barrel->position = {200, 68};
-  EXPECT_EQ(barrel->frame(), Rect::make(180.5, 48.5, 39, 39));
-  EXPECT_EQ(barrel->calculateAccumulatedFrame(), Rect::make(180.5, 48.5, 39, 39));
+  const Rect stroked = Rect::make(200 - 18 - 1.5, 68 - 18 - 1.5, 39, 39);  // half the outline outside the radius
+  EXPECT_EQ(barrel->frame(), stroked);
+  EXPECT_EQ(barrel->calculateAccumulatedFrame(), stroked);
   barrel->xScale = barrel->yScale = 2;  // strokes scale too
-  EXPECT_EQ(barrel->calculateAccumulatedFrame(), Rect::make(161, 29, 78, 78));
+  EXPECT_EQ(barrel->calculateAccumulatedFrame(), Rect::make(200 - 39, 68 - 39, 78, 78));
   barrel->xScale = barrel->yScale = 1;
   barrel->zRotation = 0.7;  // the circle keeps its size and the cross stays inside it
   const Rect turned = barrel->calculateAccumulatedFrame();
-  EXPECT_NEAR(turned.minX(), 180.5, 1e-9);
-  EXPECT_NEAR(turned.width(), 39, 1e-9);
+  EXPECT_NEAR(turned.minX(), stroked.minX(), 1e-9);
+  EXPECT_NEAR(turned.width(), stroked.width(), 1e-9);
 
   ShapeNodePtr square = ShapeNode::withRectOfSize({20, 20});
   square->lineWidth = 0;

@@ -109,7 +109,7 @@ TEST(Collisions, DuckingClearsTheHighPlaneButNotTheMediumOne) {
     r.place(plane, 140);
     r.game.press(keycode::downArrow);
     r.s.updatePlayer();
-    ASSERT_EQ(r.s.playerContainer->position.y, 68);
+    ASSERT_EQ(r.s.playerContainer->position.y, kGroundHeightFromBottom + kPlayerHeightDucking / 2) << "the centre";
     EXPECT_EQ(r.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
   }
   Running r;

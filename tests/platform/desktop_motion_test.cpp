@@ -12,6 +12,7 @@
 #include <string>
 
 #include "support/silent_buses.hpp"
+#include "support/tools.hpp"
 
 namespace zb {
 namespace {
@@ -70,8 +71,7 @@ GDBusConnection* standInPortal(Portal& portal) {
 }
 
 TEST(DesktopMotion, TheDesktopAsksForLessMotionOnlyWhenItsPortalSaysAnimationsAreOff) {
-  g_autofree gchar* daemon = g_find_program_in_path("dbus-daemon");
-  if (daemon == nullptr) GTEST_SKIP() << "dbus-daemon is not installed";
+  ZB_REQUIRE_PROGRAMS("dbus-daemon");
   g_autoptr(GTestDBus) bus = g_test_dbus_new(G_TEST_DBUS_NONE);
   g_test_dbus_up(bus);
   EXPECT_FALSE(desktopRequestsReducedMotion()) << "no portal on the bus";

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <csignal>
 #include <iterator>
-#include <thread>
+#include <memory>
 
 #include "headless/headless_test_support.hpp"
 #include "support/files.hpp"
@@ -15,7 +15,6 @@ namespace zb {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 fs::path fileInNewFolder(const test::TempFolder& folder) { return folder.path() / "zindlebop" / "preferences.ini"; }
 
@@ -37,11 +36,14 @@ TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovals
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
   test::TempFolder folder("zb-prefs-copies");
   const fs::path file = fileInNewFolder(folder);
-  FilePreferences mine(file), theirs(file);
+  // A clock moved by hand, past the point where a store looks at its file again.
+  const auto now = std::make_shared<std::chrono::steady_clock::time_point>();
+  const FilePreferences::Clock clock = [now] { return *now; };
+  FilePreferences mine(file, clock), theirs(file, clock);
   mine.setInteger(10, "quorraHighScore");
-  std::this_thread::sleep_for(300ms);
   theirs.setInteger(250, "quorraHighScore");
-  std::this_thread::sleep_for(300ms);
+  EXPECT_EQ(mine.integerForKey("quorraHighScore"), 10) << "within the interval the store does not read";
+  *now += FilePreferences::kRefreshInterval;
   EXPECT_EQ(mine.integerForKey("quorraHighScore"), 250);
   theirs.setInteger(300, "other");
   mine.setFloat(0.5f, "quorra_settingMusicVolume");
@@ -59,7 +61,7 @@ TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothi
   EXPECT_EQ(test::readBytes(file), before);
   EXPECT_EQ(std::distance(fs::directory_iterator(file.parent_path()), {}), 1) << "left-over temporary file";
   theirs.setInteger(5, "other");
-  std::this_thread::sleep_for(300ms);
+  *now += FilePreferences::kRefreshInterval;
   EXPECT_EQ(mine.objectForKey("long"), longText);
   setrlimit(RLIMIT_FSIZE, &old);
   std::signal(SIGXFSZ, oldHandler);

@@ -170,12 +170,13 @@ TEST(Lifecycle, OnlyItsOwnWindowsNewsAndSizeReachTheSceneUntilItIsDismissed) {
 
 TEST(Lifecycle, ARestartStartsAfresh) {
   AttachedScene game(test::SceneOptions{.size = {1000, 600}});
+  const Point home = game->playerContainer->position;  // standing on the ground, as a new scene places it
   enter(game, G::paused);
   game->obstacleSpeed = 9;
   game->playerContainer->position = {1, 2};
   game.clickOn(*game->restartButton());
-  EXPECT_EQ(game->obstacleSpeed, 4.0);
-  EXPECT_EQ(game->playerContainer->position, (Point{180, 80}));
+  EXPECT_EQ(game->obstacleSpeed, kStartObstacleSpeed);
+  EXPECT_EQ(game->playerContainer->position, home);
 }
 
 TEST(Input, SettingsButtonsChangeMusicAndVolumeButOnlyTheFrameRateToggleSaves) {

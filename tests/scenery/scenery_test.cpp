@@ -18,6 +18,9 @@ namespace {
 using test::AttachedScene;
 using State = GameScene::GameState;
 
+// At the starting speed the clouds drift 1 point a frame and the buildings 0.4; the drift follows the speed.
+constexpr double kCloudDriftAtStart = 1, kBuildingDriftAtStart = 0.4;
+
 std::vector<Point> positions(const Node& group) {
   std::vector<Point> result;
   for (const NodePtr& child : group.children()) result.push_back(child->position);
@@ -26,7 +29,7 @@ std::vector<Point> positions(const Node& group) {
 
 TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtTheLastSpeed) {
   AttachedScene s;
-  s->obstacleSpeed = 4;  // buildings move 0.4 a frame, clouds 1
+  s->obstacleSpeed = kStartObstacleSpeed;
   Node& building = *s->buildingGroup->children()[0];
   Node& wrapping = *s->buildingGroup->children()[1];
   Node& cloud = *s->cloudGroup->children()[0];
@@ -34,9 +37,9 @@ TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtThe
   wrapping.position.x = -79.7;
   cloud.position.x = -39;
   s->updateBackground();
-  EXPECT_NEAR(building.position.x, -79.9, 1e-9);
+  EXPECT_NEAR(building.position.x, -79.5 - kBuildingDriftAtStart, 1e-9);
   EXPECT_EQ(wrapping.position.x, 800 + 80) << "the overshoot is dropped";
-  EXPECT_EQ(cloud.position.x, -40);
+  EXPECT_EQ(cloud.position.x, -39 - kCloudDriftAtStart);
 
   const std::vector<Point> before = positions(*s->buildingGroup);
   s.view->setSize({1200, 600});
@@ -46,11 +49,12 @@ TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtThe
   EXPECT_EQ(cloud.position.x, 1200 + 40);
 
   s->obstacleSpeed = 10;  // as left behind by a long run
+  const double speedUp = s->obstacleSpeed / kStartObstacleSpeed;
   s->showGameOver();
   cloud.position.x = building.position.x = 400;
   s.step();
-  EXPECT_DOUBLE_EQ(cloud.position.x, 397.5);
-  EXPECT_DOUBLE_EQ(building.position.x, 399.0);
+  EXPECT_DOUBLE_EQ(cloud.position.x, 400 - kCloudDriftAtStart * speedUp);
+  EXPECT_DOUBLE_EQ(building.position.x, 400 - kBuildingDriftAtStart * speedUp);
   s->obstacleSpeed = 0;
   const std::vector<Point> clouds = positions(*s->cloudGroup), buildings = positions(*s->buildingGroup);
   s.step(120);
