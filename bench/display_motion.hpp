@@ -142,14 +142,7 @@ inline MotionTally measureMotion(DisplayCase display, double seconds, Size size,
   FakeDisplay host(display, seconds, *scene, std::move(hook));
   options.beforeStep = [&] {
     host.stepping();
-    for (const KeyStroke& stroke : player.play(*scene)) {
-      const KeyEvent event{stroke.keyCode, 0, false};
-      if (stroke.down) {
-        view.keyDown(event);
-      } else {
-        view.keyUp(event);
-      }
-    }
+    player.pressKeys(*scene, view);
   };
   const FrameLoopStats stats = runFrames(view, pacer, host, options);
   view.dismissScene();

@@ -41,14 +41,7 @@ void SceneInPlay::prepareFrame() {
 }
 
 void SceneInPlay::pressPlayersKeys() {
-  for (const KeyStroke& stroke : player_.play(*scene_)) {
-    const KeyEvent event{stroke.keyCode, 0, false};
-    if (stroke.down) {
-      view_.keyDown(event);
-    } else {
-      view_.keyUp(event);
-    }
-  }
+  player_.pressKeys(*scene_, view_);
 }
 
 bool SceneInPlay::inPlayWithObstacles(std::size_t count) const {

@@ -110,14 +110,7 @@ int runWindowedGame(const CommandLineOptions& options) {
   Autoplayer player;
   if (options.autoplay) {
     loopOptions.beforeStep = [&] {
-      for (const KeyStroke& stroke : player.play(*scene)) {
-        const KeyEvent event{stroke.keyCode, 0, false};
-        if (stroke.down) {
-          view.keyDown(event);
-        } else {
-          view.keyUp(event);
-        }
-      }
+      player.pressKeys(*scene, view);
     };
   }
   const FrameLoopStats stats = runFrameLoop(view, *window, *canvas, loopOptions, &gamepads);

@@ -123,9 +123,7 @@ std::optional<std::string> HeadlessSession::execute(const StepCommand& command) 
 std::optional<std::string> HeadlessSession::execute(const AutoplayCommand& command) {
   ensureLaunched();
   for (uint64_t i = 0; i < command.frames; ++i) {
-    for (const KeyStroke& stroke : autoplayer_.play(*scene_)) {
-      deliverKey(view_, KeyEvent{stroke.keyCode, 0, false}, stroke.down);
-    }
+    autoplayer_.pressKeys(*scene_, view_);
     step(1);
   }
   return std::nullopt;

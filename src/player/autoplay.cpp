@@ -168,4 +168,15 @@ void Autoplayer::tap(uint16_t key) {
   strokes_.push_back({key, false});
 }
 
+void Autoplayer::pressKeys(const GameScene& scene, View& view) {
+  for (const KeyStroke& stroke : play(scene)) {
+    const KeyEvent event{stroke.keyCode, 0, false};
+    if (stroke.down) {
+      view.keyDown(event);
+    } else {
+      view.keyUp(event);
+    }
+  }
+}
+
 }  // namespace zb

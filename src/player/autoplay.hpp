@@ -12,6 +12,7 @@
 
 #include "player/jump_planner.hpp"
 #include "engine/node.hpp"
+#include "engine/view.hpp"
 #include "scene/game_scene.hpp"
 
 namespace zb {
@@ -26,6 +27,8 @@ class Autoplayer {
  public:
   // The keys to press and release before the coming frame, in order.
   std::vector<KeyStroke> play(const GameScene& scene);
+  // Plays and presses those keys in `view`, as a person at the keyboard would.
+  void pressKeys(const GameScene& scene, View& view);
 
  private:
   void readKeys(const GameScene& scene);
