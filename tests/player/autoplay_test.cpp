@@ -1,5 +1,4 @@
-// The built-in player: what it does about an obstacle, that its autoplay is nothing but keys, and that
-// its idea of a jump is the figure's own.
+// The built-in player: its choice per obstacle, its autoplay being only keys, its jump being the figure's.
 #include "player/autoplay.hpp"
 #include "player/jump_planner.hpp"
 
@@ -20,8 +19,7 @@ namespace {
 
 using GameState = GameScene::GameState;
 
-// A hand-made outline, in points above the ground line, coming at the figure in a run of its own, and
-// what the player should do about it.
+// A hand-made outline (points above the ground) met alone in a run, and what the player should do.
 struct Outline {
   const char* name;
   double bottom, height, width, speed;
@@ -69,8 +67,7 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
       {"bar at head height", 40, 30, 30, 4, false, true, false},
       {"wall too long for one jump", 0, 40, 360, 10, true, false, true},
   };
-  // The player presses the keys the preferences give the actions, like a person reading them.
-  SceneOptions remapped;
+  SceneOptions remapped;  // the player presses the keys the preferences give, as a person would
   remapped.preferences->setObject("zindlebop_keys_jump", std::string("w"));
   remapped.preferences->setObject("zindlebop_keys_duck", std::string("s"));
   for (const SceneOptions& options : {SceneOptions{}, remapped}) {
@@ -86,8 +83,7 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   }
 }
 
-// The player's keys are written down as a plain script while it plays a session in process, until
-// the game has gone from the menu through a run, a crash and the next run.
+// The player's keys, written as a plain script while it plays from the menu through a crash to a new run.
 TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
   const HeadlessOptions options = quietOptions(18);
   std::ostringstream ignored;

@@ -1,5 +1,4 @@
-// The scenery around a run: the skyline and clouds drifting and wrapping, birds crossing, and the
-// palettes a run steps through. The crash burst is left to the screenshots.
+// The scenery around a run: skyline and clouds, birds, palettes, and how each is drawn between steps.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,7 +17,7 @@ namespace {
 using test::AttachedScene;
 using State = GameScene::GameState;
 
-// At the starting speed the clouds drift 1 point a frame and the buildings 0.4; the drift follows the speed.
+// Points a frame at the starting speed; the drift follows the speed.
 constexpr double kCloudDriftAtStart = 1, kBuildingDriftAtStart = 0.4;
 
 std::vector<Point> positions(const Node& group) {
@@ -108,7 +107,7 @@ void expectPalette(const GameScene& s, int64_t index) {
   EXPECT_EQ(s.highScoreLabel->fontColor, palette.secondary);
 }
 
-TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
+TEST(Palettes, StepEvery350PointsCycleAfterFourAndTheMenuAfterAGameOverStepsOnce) {
   AttachedScene s;
   scoreUpTo(*s, 349);
   expectPalette(*s, 0);
@@ -116,20 +115,18 @@ TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
   expectPalette(*s, 1);
   scoreUpTo(*s, 1400);
   expectPalette(*s, 0);
-}
 
-TEST(Palettes, GameOverAt800ThenTheMenuAdvancesOnceMoreAndARetryKeepsThePalette) {
-  for (bool retry : {false, true}) {
+  for (bool retry : {false, true}) {  // game over at 800, then the menu steps once more, a retry does not
     SCOPED_TRACE(retry ? "retry" : "menu");
-    AttachedScene s;
-    s->startGame();
-    scoreUpTo(*s, 800);
-    s->showGameOver();
-    s.step();
-    expectPalette(*s, 2);
-    retry ? s->startGame() : s->showMenu();
-    s.step(10);
-    expectPalette(*s, retry ? 2 : 3);
+    AttachedScene over;
+    over->startGame();
+    scoreUpTo(*over, 800);
+    over->showGameOver();
+    over.step();
+    expectPalette(*over, 2);
+    retry ? over->startGame() : over->showMenu();
+    over.step(10);
+    expectPalette(*over, retry ? 2 : 3);
   }
 }
 
@@ -140,8 +137,7 @@ void forEachNode(const Node& node, const std::function<void(const Node&)>& f) {
   }
 }
 
-// Frames between two steps: what a step moved is drawn part of the way along its move, what jumped
-// (an obstacle back from the pool, scenery wrapping round, a page shown, a resize) where it is.
+// What a step moved is drawn part way along; what jumped (pooled, wrapped, shown, resized) where it is.
 TEST(BetweenSteps, ARunSlidesWhatMovesAndDrawsWhatJumpsWhereItIs) {
   AttachedScene s;
   Autoplayer player;
