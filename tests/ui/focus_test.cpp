@@ -144,19 +144,18 @@ struct Picture {
     cairo_surface_destroy(surface);
   }
   uint32_t pixel(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
-  Color at(int x, int y) const {
-    const uint32_t p = pixel(x, y);
-    return Color::rgba(((p >> 16) & 0xFF) / 255.0, ((p >> 8) & 0xFF) / 255.0, (p & 0xFF) / 255.0, 1);
-  }
   int width, height;
   std::vector<uint32_t> pixels;
 };
 
-// The contrast ratio of two colours as accessibility guidelines define it.
-double contrast(Color a, Color b) {
-  const auto luminance = [](Color c) {
-    const auto linear = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(c.r) + 0.7152 * linear(c.g) + 0.0722 * linear(c.b);
+// The contrast ratio of two 0x..RRGGBB pixels as accessibility guidelines define it.
+double contrast(uint32_t a, uint32_t b) {
+  const auto luminance = [](uint32_t p) {
+    const auto linear = [p](int shift) {
+      const double v = ((p >> shift) & 0xFF) / 255.0;
+      return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(16) + 0.7152 * linear(8) + 0.0722 * linear(0);
   };
   const double la = luminance(a), lb = luminance(b);
   return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
@@ -172,7 +171,7 @@ int markThickness(const Picture& before, const Picture& after) {
       x0 = std::min(x0, x), x1 = std::max(x1, x), y0 = std::min(y0, y), y1 = std::max(y1, y);
     }
   }
-  const auto standsOut = [&](int x, int y) { return contrast(after.at(x, y), before.at(x, y)) >= 3; };
+  const auto standsOut = [&](int x, int y) { return contrast(after.pixel(x, y), before.pixel(x, y)) >= 3; };
   const auto run = [&](int x, int y, int dx, int dy) {
     while (x < x1 && y < y1 && !standsOut(x, y)) x += dx, y += dy;  // the smoothed outer edge
     int length = 0;
