@@ -150,24 +150,22 @@ TEST(BetweenSteps, ARunSlidesWhatMovesAndDrawsWhatJumpsWhereItIs) {
     for (const NodePtr& b : s->buildingGroup->children()) before[b.get()] = b->position.x;
     for (const KeyStroke& stroke : player.play(*s)) stroke.down ? s.press(stroke.keyCode) : s.release(stroke.keyCode);
     s.step();
+    // Half way along its step, or where it is if it jumped: new from the pool, or wrapped round.
+    const auto drawnJumped = [&](const Node& n) {
+      const auto was = before.find(&n);
+      const bool jumped = was == before.end() || n.position.x > was->second;
+      if (jumped) {
+        EXPECT_EQ(n.placementBetweenSteps(0.5), n.placement());
+      } else {
+        EXPECT_DOUBLE_EQ(n.placementBetweenSteps(0.5).position.x, (was->second + n.position.x) / 2);
+      }
+      return jumped;
+    };
     for (const auto& o : s->obstacleNodes) {
-      const auto was = before.find(o.get());
-      if (was == before.end()) {
-        EXPECT_EQ(o->placementBetweenSteps(0.5), o->placement()) << "a new obstacle appears where it is put";
-        reused += !seen.insert(o.get()).second;
-      } else {
-        EXPECT_DOUBLE_EQ(o->placementBetweenSteps(0.5).position.x, (was->second + o->position.x) / 2);
-        ++slid;
-      }
+      if (!drawnJumped(*o)) ++slid;
+      else if (!seen.insert(o.get()).second) ++reused;
     }
-    for (const NodePtr& b : s->buildingGroup->children()) {
-      if (b->position.x > before[b.get()]) {
-        EXPECT_EQ(b->placementBetweenSteps(0.5), b->placement()) << "a wrapping building does not slide back";
-        ++wrapped;
-      } else {
-        EXPECT_DOUBLE_EQ(b->placementBetweenSteps(0.5).position.x, (before[b.get()] + b->position.x) / 2);
-      }
-    }
+    for (const NodePtr& b : s->buildingGroup->children()) wrapped += drawnJumped(*b);
     strides += s->playerLegLeft->pathBetweenSteps(0.5).has_value();
   }
   EXPECT_GT(slid, 100);
