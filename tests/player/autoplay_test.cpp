@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "headless/headless_session.hpp"
@@ -124,9 +125,9 @@ TEST(JumpPlanner, PredictsTheFigureFrameForFrameThroughTakeOffCoyoteTimeBufferAn
     if (press) game->requestJump();
     game->updatePlayer();
     stepBody(predicted, press);
-    ASSERT_EQ(predicted.footAltitude, game->playerFootAltitude) << "frame " << frame;
-    ASSERT_EQ(predicted.velocityY, game->playerVelocityY) << "frame " << frame;
-    ASSERT_EQ(predicted.bufferedJumpFrames, game->bufferedJumpFramesRemaining) << "frame " << frame;
+    ASSERT_EQ(std::tuple(predicted.footAltitude, predicted.velocityY, predicted.bufferedJumpFrames),
+              std::tuple(game->playerFootAltitude, game->playerVelocityY, game->bufferedJumpFramesRemaining))
+        << "frame " << frame;
   }
 }
 
