@@ -53,14 +53,17 @@ class Walk {
 // Long enough for the still figure of a new run to meet its first obstacle.
 constexpr const char* kUntilCrash = "step 900";
 
-TEST(FocusWalk, AKeyboardAloneReachesAndPressesEveryButtonOfEveryPage) {
+TEST(FocusWalk, AKeyboardAloneReachesAndPressesEveryButtonOfEveryPageAndAHeldReturnRepeats) {
   Walk walk("key");
   walk.expect("menu", "")
       .tap("tab").expect("menu", "btn_start")  // the first move only shows the focus
       .tap("down").tap("return").expect("settings", "")
       .tap("down").tap("return")  // Show FPS
       .tap("tab").tap("return")   // Music
-      .tap("down").tap("return")  // -
+      .tap("down").line("key down return").line("step 23").expect("settings", "btn_vol_down")  // - held
+      .line("step 2").expect("settings", "btn_vol_down")  // repeats after 0.4 s of scene time
+      .line("step 6").expect("settings", "btn_vol_down")  // then every 0.1 s
+      .line("key up return").line("step 30")
       .tap("right").tap("return").tap("return")  // + twice
       .expect("settings", "btn_vol_up")
       .tap("tab shift").tap("tab shift").tap("tab").tap("tab").tap("tab").tap("return")  // Back
@@ -77,12 +80,13 @@ TEST(FocusWalk, AKeyboardAloneReachesAndPressesEveryButtonOfEveryPage) {
       .line(kUntilCrash).tap("down").tap("down").tap("return").expect("menu", "")  // Main Menu
       .tap("q ctrl").line("dump");  // quits: nothing after it runs
   const std::vector<Json> dumps = walk.run();
-  ASSERT_EQ(dumps.size(), 14u);
-  EXPECT_EQ(dumps[3]["settingShowFPS"], true);
-  EXPECT_EQ(dumps[3]["settingMusicEnabled"], false);
-  EXPECT_NEAR(dumps[3]["settingMusicVolume"].get<double>(), 0.7, 1e-6);
-  EXPECT_EQ(dumps[5]["view"]["fullscreen"], true);
-  EXPECT_EQ(dumps[6]["bufferedJumpFramesRemaining"], 9) << "Start by key jumps as a click on it does";
+  ASSERT_EQ(dumps.size(), 17u);
+  EXPECT_EQ(dumps[6]["settingShowFPS"], true);
+  EXPECT_EQ(dumps[6]["settingMusicEnabled"], false);
+  const double volumes[] = {0.5, 0.4, 0.3, 0.5};  // no repeat after the release
+  for (size_t i = 0; i < 4; ++i) EXPECT_NEAR(dumps[3 + i]["settingMusicVolume"].get<double>(), volumes[i], 1e-6) << i;
+  EXPECT_EQ(dumps[8]["view"]["fullscreen"], true);
+  EXPECT_EQ(dumps[9]["bufferedJumpFramesRemaining"], 9) << "Start by key jumps as a click on it does";
 }
 
 TEST(FocusWalk, APadAloneReachesAndPressesEveryButtonOfEveryPage) {
@@ -111,22 +115,6 @@ TEST(FocusWalk, APadAloneReachesAndPressesEveryButtonOfEveryPage) {
   EXPECT_EQ(dumps[3]["settingMusicEnabled"], false);
   EXPECT_NEAR(dumps[3]["settingMusicVolume"].get<double>(), 0.6, 1e-6);
   EXPECT_EQ(dumps[5]["view"]["fullscreen"], true);
-}
-
-TEST(FocusWalk, ReturnHeldOnMinusRepeatsAfterFourTenthsOfASecondEveryTenthInSceneTime) {
-  Walk walk("key");
-  walk.tap("tab").tap("down").tap("return")  // to the settings page
-      .tap("down").tap("down").tap("down")     // "-"
-      .line("key down return").line("step 23").expect("settings", "btn_vol_down")
-      .line("step 2").expect("settings", "btn_vol_down")
-      .line("step 6").expect("settings", "btn_vol_down")
-      .line("key up return").line("step 30").expect("settings", "btn_vol_down");
-  const std::vector<Json> dumps = walk.run();
-  ASSERT_EQ(dumps.size(), 4u);
-  const double volumes[] = {0.5, 0.4, 0.3, 0.3};
-  for (size_t i = 0; i < dumps.size(); ++i) {
-    EXPECT_NEAR(dumps[i]["settingMusicVolume"].get<double>(), volumes[i], 1e-6) << i;
-  }
 }
 
 // The window's picture as rows of 0x..RRGGBB pixels, bottom row first (y up).
