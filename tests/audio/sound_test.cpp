@@ -1,5 +1,4 @@
-// Where each sound comes from (resources, the fallback folder, nowhere), which laugh plays, and the
-// music's volume over time.
+// Where each sound comes from, which laugh plays, and the music's volume over time.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -61,7 +60,6 @@ TEST(Sound, TheSameLaughNeverPlaysTwiceInARow) {
   EXPECT_EQ(game.sounds(), (Sounds{"baby-laugh-2", "baby-laugh-2"})) << "a lone laugh plays every time";
 }
 
-// Each row: what changes the music's volume, to what, and over how many frames, read back frame by frame.
 TEST(Sound, EveryVolumeChangeReachesItsTargetOverItsDuration) {
   AttachedScene game;
   game.step(6);

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 #include "engine/action.hpp"
 #include "engine/path.hpp"
@@ -41,16 +42,14 @@ TEST(NodeFrameTest, StrokesRotationScaleAndChildrenShapeTheFrames) {
   square->yScale = -0.5;
   EXPECT_EQ(square->frame(), Rect::make(-20, -5, 40, 10));
 
-  // A plain container has a zero frame; its accumulated frame is its children's.
   auto cloud = std::make_shared<Node>();
   cloud->position = {30, 40};
   cloud->addChild(square);
-  EXPECT_EQ(cloud->frame(), Rect::make(30, 40, 0, 0));
+  EXPECT_EQ(cloud->frame(), Rect::make(30, 40, 0, 0)) << "a container's own frame is empty";
   EXPECT_EQ(cloud->calculateAccumulatedFrame(), Rect::make(10, 35, 40, 10));
 }
 
-// Boxes under moves and scales are worked out from remembered extremes; the memory must not outlive
-// a change of the path, and must not travel wrongly with a copy.
+// Transformed boxes come from remembered extremes, which must follow a change and not a copy.
 TEST(PathBoundsTest, MovedAndScaledBoxesFollowEveryChange) {
   Path path = Path::roundedRect(Rect::make(0, 0, 10, 10), 2);
   const AffineTransform moved = AffineTransform::forNode({5, 5}, 0, 2, -1);
@@ -69,15 +68,17 @@ TEST(PathBoundsTest, MovedAndScaledBoxesFollowEveryChange) {
 }
 
 struct Stage {
-  std::shared_ptr<Scene> scene = std::make_shared<Scene>(Size{800, 400});
+  explicit Stage(std::shared_ptr<Scene> s = std::make_shared<Scene>(Size{800, 400})) : scene(std::move(s)) {
+    scene->addChild(node);
+  }
+  std::shared_ptr<Scene> scene;
   NodePtr node = std::make_shared<Node>();
-  Stage() { scene->addChild(node); }
   void frames(int n) {
     for (int i = 0; i < n; ++i) scene->stepFrame(1.0 / 60);
   }
 };
 
-TEST(ActionTimingTest, MovesAndSequencesLandWhereTheirTimingSays) {
+TEST(ActionTimingTest, MovesSequencesAndConcurrentMovesLandWhereTheirTimingSays) {
   Stage move, shake, twoMoves;
   move.node->position = {10, 20};
   move.node->runAction(actions::moveBy(120, -30, 0.45));
@@ -93,10 +94,8 @@ TEST(ActionTimingTest, MovesAndSequencesLandWhereTheirTimingSays) {
   twoMoves.frames(4);
   EXPECT_NEAR(twoMoves.node->position.x, 30, 1e-9);
   EXPECT_NEAR(twoMoves.node->position.y, 50, 1e-9);
-}
 
-TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
-  Stage stage;
+  Stage stage;  // concurrent moves add up and each completes once
   int completions = 0;
   stage.node->runAction(actions::moveBy(60, 0, 0.5), [&] { ++completions; });
   stage.frames(6);
@@ -111,8 +110,7 @@ TEST(ActionTimingTest, ConcurrentMovesAddUpAndEachCompletesOnce) {
   EXPECT_FALSE(stage.node->hasActions());
 }
 
-// A frame between two steps draws each node that far along its last step's change, whatever made it:
-// an action, or a per-step write such as the obstacles' scroll.
+// Between steps a node is drawn part way along its last change, from an action or a per-step write.
 struct SteppedScene : Scene {
   using Scene::Scene;
   void update(double) override {
@@ -122,10 +120,8 @@ struct SteppedScene : Scene {
 };
 
 TEST(BetweenStepsTest, PlacementsAndOutlinesBlendWhileJumpsAndNewcomersAreDrawnWhereTheyAre) {
-  Stage stage;
   auto stepped = std::make_shared<SteppedScene>(Size{800, 400});
-  stage.scene = stepped;
-  stage.scene->addChild(stage.node);
+  Stage stage(stepped);
   NodePtr scrolled = std::make_shared<Node>();
   ShapeNodePtr limb = ShapeNode::withPath(Path::line({0, 0}, {10, -40}));
   stage.scene->addChild(scrolled);
@@ -156,17 +152,17 @@ TEST(BetweenStepsTest, PlacementsAndOutlinesBlendWhileJumpsAndNewcomersAreDrawnW
   ASSERT_TRUE(stride);
   EXPECT_EQ(stride->elements().back().point, (Point{0, -40})) << "a pose stroke swings through";
 
-  // Jumps: a node put back from a pool, one moved to another parent, one shown again, one marked, and
-  // one changed after its step (by input) all show where they are now; so do paths of another make.
+  // Pooled, reparented, shown, marked or input-nudged nodes, and reshaped paths, are drawn where they are.
   NodePtr pooled = std::make_shared<Node>(), moved = std::make_shared<Node>(), shown = std::make_shared<Node>();
   NodePtr marked = std::make_shared<Node>(), nudged = std::make_shared<Node>();
-  for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) stage.scene->addChild(n);
+  const std::vector<NodePtr> jumpers = {pooled, moved, shown, marked, nudged};
+  for (const NodePtr& n : jumpers) stage.scene->addChild(n);
   shown->hidden = true;
   stage.frames(1);
   pooled->removeFromParent();
   stage.frames(1);
   stepped->perStep = [&] {
-    for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) n->position = {500, 5};
+    for (const NodePtr& n : jumpers) n->position = {500, 5};
     stage.scene->addChild(pooled);
     stage.node->addChild(moved);
     shown->hidden = false;
@@ -177,9 +173,7 @@ TEST(BetweenStepsTest, PlacementsAndOutlinesBlendWhileJumpsAndNewcomersAreDrawnW
   stepped->perStep = nullptr;
   EXPECT_NE(nudged->placementBetweenSteps(0.5), nudged->placement()) << "it moved in the step";
   nudged->position.x += 1;
-  for (const NodePtr& n : {pooled, moved, shown, marked, nudged}) {
-    EXPECT_EQ(n->placementBetweenSteps(0.5), n->placement());
-  }
+  for (const NodePtr& n : jumpers) EXPECT_EQ(n->placementBetweenSteps(0.5), n->placement());
   EXPECT_FALSE(limb->pathBetweenSteps(0.5));
   stage.frames(1);
   EXPECT_EQ(pooled->placementBetweenSteps(0.5), pooled->placement()) << "nothing moved in this step";

@@ -1,5 +1,4 @@
-// Obstacles and the score: which kinds each stage brings, where they enter, the pool that recycles
-// them, collisions at the edge of contact, the difficulty schedule and the trap past the score's limit.
+// Obstacles and the score: kinds per stage, the pool, collisions at contact, difficulty, the score's limit.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -90,7 +89,7 @@ TEST(Obstacles, ANodeLeavingTheScreenGoesToItsPoolAndComesBackResetAndPlacedAgai
 }
 
 // The standing figure's box spans x 132..156 and y 50..110.
-TEST(Collisions, TouchingIsNotAHitOverlappingIsAndTheOldestOverlapCounts) {
+TEST(Collisions, TouchingIsNotAHitTheOldestOverlapCountsAndDuckingClearsOnlyTheHighPlane) {
   Running r;
   auto box = r.place(T::boxSmall, 156);
   EXPECT_FALSE(r.hits()) << "edges touch";
@@ -100,23 +99,21 @@ TEST(Collisions, TouchingIsNotAHitOverlappingIsAndTheOldestOverlapCounts) {
   EXPECT_TRUE(r.hits());
   const Rect hit = box->calculateAccumulatedFrame();
   EXPECT_EQ(r.s.lastCollisionPoint, (Point{hit.midX(), hit.midY()}));
-}
 
-TEST(Collisions, DuckingClearsTheHighPlaneButNotTheMediumOne) {
-  for (T plane : {T::planeMedium, T::planeHigh}) {
+  for (T plane : {T::planeMedium, T::planeHigh}) {  // ducking clears the high plane, not the medium one
     SCOPED_TRACE(toString(plane));
-    Running r;
-    r.place(plane, 140);
-    r.game.press(keycode::downArrow);
-    r.s.updatePlayer();
-    ASSERT_EQ(r.s.playerContainer->position.y, kGroundHeightFromBottom + kPlayerHeightDucking / 2) << "the centre";
-    EXPECT_EQ(r.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
+    Running ducking;
+    ducking.place(plane, 140);
+    ducking.game.press(keycode::downArrow);
+    ducking.s.updatePlayer();
+    ASSERT_EQ(ducking.s.playerContainer->position.y, kGroundHeightFromBottom + kPlayerHeightDucking / 2);
+    EXPECT_EQ(ducking.hits(), plane == T::planeMedium) << "the ducking box reaches 86, the medium wedge starts at 84";
   }
-  Running r;
-  r.place(T::planeHigh, 140);
-  EXPECT_FALSE(r.hits()) << "the high plane clears a standing figure";
-  r.s.playerContainer->position.y = 80 + 40;
-  EXPECT_TRUE(r.hits()) << "but not a jumping one";
+  Running standing;
+  standing.place(T::planeHigh, 140);
+  EXPECT_FALSE(standing.hits()) << "the high plane clears a standing figure";
+  standing.s.playerContainer->position.y = 80 + 40;
+  EXPECT_TRUE(standing.hits()) << "but not a jumping one";
 }
 
 TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
@@ -128,9 +125,9 @@ TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
   } schedule[] = {{399, 4.0, 72, 150}, {400, 4.6, 66, 140}, {2800, 8.2, 36, 80}, {3200, 8.8, 36, 80}};
   for (const auto& row : schedule) {
     while (r.s.score < row.score) r.s.incrementScoreAndDifficulty();
-    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9) << "at " << row.score;
-    EXPECT_EQ(r.s.spawnIntervalMin, row.min) << "at " << row.score;
-    EXPECT_EQ(r.s.spawnIntervalMax, row.max) << "at " << row.score;
+    SCOPED_TRACE(row.score);
+    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9);
+    EXPECT_EQ(std::pair(r.s.spawnIntervalMin, r.s.spawnIntervalMax), std::pair(row.min, row.max));
   }
   r.s.score = INT64_MAX - 5;
   r.game.step(5);

@@ -1,23 +1,72 @@
+// The headless driver: its script lines, its dump, and a session driven through it.
 #include "headless/headless_driver.hpp"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
+#include "engine/input_event.hpp"
 #include "headless/dump_state.hpp"
 #include "headless/headless_session.hpp"
 #include "headless/headless_test_support.hpp"
+#include "headless/script_command.hpp"
 
 namespace zb::test {
 namespace {
 
 using Keys = std::vector<std::string>;
 
-TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
-  HeadlessRun run = runScript("pref set vol float 0.3\nlaunch\nstep 10\ndump\n");
+// The command a well-formed line stands for; a default one, failing the test, otherwise.
+template <typename Command>
+Command parsed(std::string_view line) {
+  ParsedLine result = parseScriptLine(line);
+  const Command* command = result.command ? std::get_if<Command>(&*result.command) : nullptr;
+  EXPECT_TRUE(command) << line << ": " << result.error.value_or("parsed as another command");
+  return command ? *command : Command{};
+}
+
+TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
+  EXPECT_EQ(parsed<StepCommand>("step").frames, 1u);
+  EXPECT_EQ(parsed<StepCommand>("  step   10000000000 \r").frames, 10000000000u);
+  EXPECT_EQ(parsed<AutoplayCommand>("autoplay 120").frames, 120u);
+  EXPECT_EQ(parsed<KeyCommand>("key down return alt").modifierFlags, kOptionModifierFlag);
+  EXPECT_EQ(parsed<KeyCommand>("key down tab ctrl shift").modifierFlags, kControlModifierFlag | kShiftModifierFlag);
+  parsed<QuitCommand>("quit");
+  EXPECT_FALSE(parsed<KeyCommand>("key up down").down);
+  // Names, a digit key, and longer numbers as raw key codes.
+  const std::pair<const char*, uint16_t> keys[] = {{"key down space", keycode::space},
+                                                   {"key up down", keycode::downArrow},
+                                                   {"key down 49", keycode::space},
+                                                   {"key down 65535", 65535},
+                                                   {"key down 0", 29}};
+  for (const auto& [line, code] : keys) EXPECT_EQ(parsed<KeyCommand>(line).keyCode, code) << line;
+  EXPECT_EQ(parsed<ClickCommand>("click 400 312.5").location, (Point{400, 312.5}));
+  EXPECT_EQ(parsed<MoveCommand>("move -3 7").location, (Point{-3, 7}));
+  EXPECT_EQ(parsed<ResizeCommand>("resize 1 16384").size, (Size{1, 16384}));
+  EXPECT_EQ(parsed<PrefSetCommand>("pref set k int -12").value, PreferenceValue(int64_t{-12}));
+  EXPECT_EQ(parsed<PrefSetCommand>("pref set k bool false").value, PreferenceValue(false));
+  EXPECT_EQ(parsed<PrefSetCommand>("pref set k float 0.3").value, PreferenceValue(0.3f));
+  EXPECT_EQ(parsed<PrefSetCommand>("pref set k string two  words").value, PreferenceValue(std::string("two  words")));
+  EXPECT_EQ(parsed<PrefRemoveCommand>("pref remove k").key, "k");
+  EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png").file, "/tmp/shot.png");
+  EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png at 0.25").stepFraction, 0.25);
+  for (const char* bad : {"screenshot a.png at 1", "screenshot a.png at -0.1", "screenshot a.png at half",
+                          "screenshot a.png at", "screenshot a.png by 0.5", "screenshot a.png at 0.5 more"}) {
+    EXPECT_FALSE(parseScriptLine(bad).command) << bad;
+  }
+}
+
+TEST(HeadlessDriver, EachDumpIsOneLineWithEveryKeyInOrderAndListsTheSoundsSinceTheLastOnce) {
+  TempFolder resources("zb-headless-sounds");
+  HeadlessOptions options = quietOptions();
+  options.resourceFolder = resources.touch("jump.mp3").parent_path().string();
+  const HeadlessRun run = runScript(
+      "pref set vol float 0.3\r\n  # Windows line ends\r\nstep 10\ndump\nkey down space\nstep\ndump\nmove 5 5\ndump",
+      options);  // no final newline
   ASSERT_EQ(run.status, 0) << run.err;
-  ASSERT_EQ(run.lines().size(), 1u);
-  const Json json = Json::parse(run.lines()[0]);
+  const std::vector<Json> dumps = run.dumps();  // one per line, or the parse throws; step launches
+  ASSERT_EQ(dumps.size(), 3u);
+  const Json& json = dumps[0];
   EXPECT_EQ(keysOf(json),
             (Keys{"frame", "time", "size", "gameState", "scenePaused", "isPausedManually", "score", "highScore",
                   "playerFootAltitude", "playerVelocityY", "isDucking", "framesSinceLeftGround",
@@ -36,6 +85,11 @@ TEST(HeadlessDriver, DumpIsOneWellFormedLineWithEveryKeyInOrder) {
   EXPECT_EQ(keysOf(json["labels"]["titleLabel"]),
             (Keys{"name", "text", "fontSize", "position", "visible", "color", "alignment"}));
   EXPECT_TRUE(json["labels"].contains("restartButton"));
+  EXPECT_EQ(dumps[1]["gameState"], "playing");
+  EXPECT_EQ(dumps[1]["sounds"], Json::array({"jump"}));
+  EXPECT_EQ(dumps[1]["view"]["cursorHidden"], true);
+  EXPECT_TRUE(dumps[2]["sounds"].empty()) << "sounds are listed once";
+  EXPECT_EQ(dumps[2]["view"]["cursorHidden"], false) << "the mouse shows the cursor";
 }
 
 TEST(DumpState, ReadsTheFieldsAsTheyStandAndTellsBirdsAndDotsByDepth) {
@@ -97,33 +151,13 @@ TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
     HeadlessRun run = runScript(std::string("launch\n# the menu\r\n\ndump\n") + line + "\ndump\n");
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.err, std::string("line 5: ") + reason + "\n");
-    EXPECT_EQ(run.lines().size(), 1u);
+    EXPECT_EQ(run.dumps().size(), 1u);
   }
-  HeadlessRun run = runScript("launch\r\nstep 2\r\n  # done\r\ndump");
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(run.lines().size(), 1u) << "a missing final newline is fine";
-
   std::string pads;
   for (int i = 0; i < 17; ++i) pads += "pad add\n";
-  run = runScript(pads + "dump\n");
+  const HeadlessRun run = runScript(pads + "dump\n");
   EXPECT_EQ(run.status, 2);
   EXPECT_EQ(run.err, "line 17: pad: 16 pads are connected already\n");
-}
-
-TEST(HeadlessDriver, SpaceStartsARunWithItsSoundOnceAndTheMouseShowsTheCursor) {
-  TempFolder resources("zb-headless-sounds");
-  HeadlessOptions options = quietOptions();
-  options.resourceFolder = resources.touch("jump.mp3").parent_path().string();
-  HeadlessRun run = runScript("key down space\nstep\ndump\nmove 5 5\ndump\n", options);
-  ASSERT_EQ(run.status, 0) << run.err;
-  std::vector<Json> dumps = run.dumps();
-  ASSERT_EQ(dumps.size(), 2u);
-  EXPECT_EQ(dumps[0]["gameState"].get<std::string>(), "playing");
-  EXPECT_TRUE(dumps[0]["view"]["cursorHidden"].get<bool>());
-  ASSERT_EQ(dumps[0]["sounds"].size(), 1u);
-  EXPECT_EQ(dumps[0]["sounds"][0].get<std::string>(), "jump");
-  EXPECT_TRUE(dumps[1]["sounds"].empty()) << "sounds are listed once";
-  EXPECT_FALSE(dumps[1]["view"]["cursorHidden"].get<bool>());
 }
 
 TEST(HeadlessDriver, PadsPlayFocusPausesAndTheDumpReportsThem) {
@@ -138,21 +172,18 @@ TEST(HeadlessDriver, PadsPlayFocusPausesAndTheDumpReportsThem) {
   ASSERT_EQ(run.status, 0) << run.err;
   const auto dumps = run.dumps();
   ASSERT_EQ(dumps.size(), 7u);
-  const auto state = [&](size_t i) { return dumps[i]["gameState"].get<std::string>(); };
-  EXPECT_EQ(dumps[0]["gamepads"], 1);
-  EXPECT_FALSE(dumps[0]["reducedMotion"].get<bool>());
-  EXPECT_EQ(dumps[0]["gameSpeed"].get<double>(), 1);
-  EXPECT_EQ(state(1), "playing");
+  const std::pair<const char*, int> stateAndPads[] = {{"menu", 1},   {"playing", 1}, {"playing", 1}, {"paused", 0},
+                                                      {"paused", 0}, {"paused", 0},  {"menu", 0}};
+  for (size_t i = 0; i < dumps.size(); ++i) {
+    EXPECT_EQ(dumps[i]["gameState"], stateAndPads[i].first) << "dump " << i;
+    EXPECT_EQ(dumps[i]["gamepads"], stateAndPads[i].second) << "dump " << i;
+  }
   EXPECT_TRUE(dumps[1]["isDucking"].get<bool>());
   EXPECT_EQ(dumps[1]["playerFootAltitude"].get<double>(), 0) << "the second press of a held A jumped";
-  EXPECT_EQ(state(2), "playing");
-  EXPECT_EQ(dumps[2]["gamepads"], 1);
-  EXPECT_EQ(state(3), "paused");
-  EXPECT_EQ(dumps[3]["gamepads"], 0);
-  EXPECT_EQ(state(4), "paused");
-  EXPECT_EQ(state(5), "paused");
-  EXPECT_TRUE(dumps[6]["reducedMotion"].get<bool>());
-  EXPECT_EQ(dumps[6]["gameSpeed"].get<double>(), 0.5);
+  EXPECT_EQ(dumps[0]["reducedMotion"], false);
+  EXPECT_EQ(dumps[0]["gameSpeed"], 1);
+  EXPECT_EQ(dumps[6]["reducedMotion"], true);
+  EXPECT_EQ(dumps[6]["gameSpeed"], 0.5);
 }
 
 }  // namespace

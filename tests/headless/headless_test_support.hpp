@@ -28,16 +28,11 @@ struct HeadlessRun {
   std::string out;
   std::string err;
 
-  std::vector<std::string> lines() const {
-    std::vector<std::string> result;
-    std::istringstream stream(out);
-    for (std::string line; std::getline(stream, line);) result.push_back(line);
-    return result;
-  }
-  // The dumps printed, parsed; a malformed one throws, failing the calling test.
+  // The dumps printed, one a line, parsed; a malformed one throws, failing the calling test.
   std::vector<Json> dumps() const {
     std::vector<Json> result;
-    for (const std::string& line : lines()) result.push_back(Json::parse(line));
+    std::istringstream stream(out);
+    for (std::string line; std::getline(stream, line);) result.push_back(Json::parse(line));
     return result;
   }
 };

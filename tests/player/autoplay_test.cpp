@@ -1,5 +1,4 @@
-// The built-in player: what it does about an obstacle, that its autoplay is nothing but keys, and that
-// its idea of a jump is the figure's own.
+// The built-in player: its choice per obstacle, its autoplay being only keys, its jump being the figure's.
 #include "player/autoplay.hpp"
 #include "player/jump_planner.hpp"
 
@@ -8,6 +7,7 @@
 #include <algorithm>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "headless/headless_session.hpp"
@@ -20,43 +20,11 @@ namespace {
 
 using GameState = GameScene::GameState;
 
-// A hand-made outline, in points above the ground line, coming at the figure in a run of its own, and
-// what the player should do about it.
+// A hand-made outline (points above the ground) met alone in a run, and what the player should do.
 struct Outline {
   const char* name;
   double bottom, height, width, speed;
   bool jumps, ducks, pressesTwice;
-};
-
-struct Encounter {
-  Encounter(const Outline& outline, const SceneOptions& options) : scene(options) {
-    const uint16_t jump = *scene->comfortOptions().keyFor(InputAction::jump);
-    scene.press(jump);
-    scene.release(jump);
-    scene->spawnTimerFrames = 1'000'000;  // nothing else comes
-    scene->obstacleSpeed = outline.speed;
-    auto node = std::make_shared<GameScene::ObstacleNode>();
-    node->path = Path::rect(Rect::make(0, 0, outline.width, outline.height));
-    node->lineWidth = 0;
-    node->position = {600, scene->groundHeightFromBottom + outline.bottom};
-    scene->addChild(node);
-    scene->obstacleNodes.push_back(node);
-  }
-  void play(int frames) {
-    for (int i = 0; i < frames; ++i) {
-      for (const KeyStroke& key : player.play(*scene)) key.down ? scene.press(key.keyCode) : scene.release(key.keyCode);
-      scene.step();
-      crashed = crashed || scene->gameState != GameState::playing;
-      highestFeet = std::max(highestFeet, scene->playerFootAltitude);
-      ducked = ducked || scene->isDucking;
-    }
-  }
-
-  AttachedScene scene;
-  Autoplayer player;
-  bool crashed = false;
-  double highestFeet = 0;
-  bool ducked = false;
 };
 
 TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
@@ -64,30 +32,47 @@ TEST(Autoplayer, ChoosesJumpDuckOrNothingFromTheOutlineAlone) {
   constexpr double kSecondPressHeight = 120;
   const Outline outlines[] = {
       {"box on the ground", 0, 33, 29, 4, true, false, false},
-      // Standing clears it; jumping would fly into it.
-      {"plane overhead", 78.5, 15, 39, 6.4, false, false, false},
+      {"plane overhead, cleared standing, hit jumping", 78.5, 15, 39, 6.4, false, false, false},
       {"bar at head height", 40, 30, 30, 4, false, true, false},
       {"wall too long for one jump", 0, 40, 360, 10, true, false, true},
   };
-  // The player presses the keys the preferences give the actions, like a person reading them.
-  SceneOptions remapped;
+  SceneOptions remapped;  // the player presses the keys the preferences give, as a person would
   remapped.preferences->setObject("zindlebop_keys_jump", std::string("w"));
   remapped.preferences->setObject("zindlebop_keys_duck", std::string("s"));
   for (const SceneOptions& options : {SceneOptions{}, remapped}) {
     for (const Outline& outline : outlines) {
       SCOPED_TRACE(outline.name);
-      Encounter encounter(outline, options);
-      encounter.play(200);
-      EXPECT_FALSE(encounter.crashed);
-      EXPECT_EQ(encounter.highestFeet > outline.bottom + outline.height, outline.jumps);
-      EXPECT_EQ(encounter.ducked, outline.ducks);
-      EXPECT_EQ(encounter.highestFeet > kSecondPressHeight, outline.pressesTwice);
+      AttachedScene scene(options);
+      const uint16_t jump = *scene->comfortOptions().keyFor(InputAction::jump);
+      scene.press(jump);
+      scene.release(jump);
+      scene->spawnTimerFrames = 1'000'000;  // nothing else comes
+      scene->obstacleSpeed = outline.speed;
+      auto node = std::make_shared<GameScene::ObstacleNode>();
+      node->path = Path::rect(Rect::make(0, 0, outline.width, outline.height));
+      node->lineWidth = 0;
+      node->position = {600, scene->groundHeightFromBottom + outline.bottom};
+      scene->addChild(node);
+      scene->obstacleNodes.push_back(node);
+      Autoplayer player;
+      bool crashed = false, ducked = false;
+      double highestFeet = 0;
+      for (int i = 0; i < 200; ++i) {
+        for (const KeyStroke& key : player.play(*scene)) key.down ? scene.press(key.keyCode) : scene.release(key.keyCode);
+        scene.step();
+        crashed = crashed || scene->gameState != GameState::playing;
+        highestFeet = std::max(highestFeet, scene->playerFootAltitude);
+        ducked = ducked || scene->isDucking;
+      }
+      EXPECT_FALSE(crashed);
+      EXPECT_EQ(highestFeet > outline.bottom + outline.height, outline.jumps);
+      EXPECT_EQ(ducked, outline.ducks);
+      EXPECT_EQ(highestFeet > kSecondPressHeight, outline.pressesTwice);
     }
   }
 }
 
-// The player's keys are written down as a plain script while it plays a session in process, until
-// the game has gone from the menu through a run, a crash and the next run.
+// The player's keys, written as a plain script while it plays from the menu through a crash to a new run.
 TEST(Autoplay, PlaysThroughACrashAndIsExactlyItsKeysForASeed) {
   const HeadlessOptions options = quietOptions(18);
   std::ostringstream ignored;
@@ -128,9 +113,9 @@ TEST(JumpPlanner, PredictsTheFigureFrameForFrameThroughTakeOffCoyoteTimeBufferAn
     if (press) game->requestJump();
     game->updatePlayer();
     stepBody(predicted, press);
-    ASSERT_EQ(predicted.footAltitude, game->playerFootAltitude) << "frame " << frame;
-    ASSERT_EQ(predicted.velocityY, game->playerVelocityY) << "frame " << frame;
-    ASSERT_EQ(predicted.bufferedJumpFrames, game->bufferedJumpFramesRemaining) << "frame " << frame;
+    ASSERT_EQ(std::tuple(predicted.footAltitude, predicted.velocityY, predicted.bufferedJumpFrames),
+              std::tuple(game->playerFootAltitude, game->playerVelocityY, game->bufferedJumpFramesRemaining))
+        << "frame " << frame;
   }
 }
 

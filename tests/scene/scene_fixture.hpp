@@ -1,6 +1,5 @@
 #pragma once
-// A GameScene in the headless driver's in-memory view (seeded, private preferences, silent stand-in
-// sounds): tests drive it by keys, clicks and frames and see what it asks of its view.
+// A seeded GameScene in the headless driver's in-memory view, driven by keys, clicks and frames.
 #include <cstdint>
 #include <filesystem>
 #include <memory>

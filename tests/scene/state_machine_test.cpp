@@ -1,11 +1,13 @@
-// The game's state table, driven the way a player drives it: keys and clicks on a scene in a view, then
-// what the player would notice (state, pages, cursor, sounds, jump request); then the settings page's
-// buttons, and attachment, pausing and resizing as seen from outside the scene.
+// The game's state table driven by keys and clicks, and what its pages and HUD tell a player.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <map>
+#include <set>
 
+#include "platform/preferences_file.hpp"
 #include "scene/scene_fixture.hpp"
+#include "settings/preference_keys.hpp"
 
 namespace zb {
 namespace {
@@ -97,8 +99,7 @@ TEST(StateMachine, DuckAndFullScreenActEverywhereAndOtherKeysAndClicksOnNothingD
     AttachedScene game;
     enter(game, state);
     const bool run = state == G::playing || state == G::paused;
-    // In a run Return and Enter act only with Option (on a page they move the focus, tested with it), P
-    // only in a run, Escape only in a run or on the settings page.
+    // Return/Enter act in a run only with Option; P only in a run; Escape in a run or on settings.
     std::vector<uint16_t> idle;
     if (state == G::playing) idle = {keycode::returnKey, keycode::keypadEnter, keycode::upArrow, keycode::tab};
     if (!run) idle.push_back(p);
@@ -126,14 +127,13 @@ TEST(StateMachine, DuckAndFullScreenActEverywhereAndOtherKeysAndClicksOnNothingD
   }
 }
 
-TEST(StateMachine, ARunEndsWithoutWritingTheBest) {
+TEST(StateMachine, ARunEndsWithoutWritingTheBestAndARestartStartsAfresh) {
   AttachedScene crashed;
   enter(crashed, G::playing);
   crashed.runUntilCrash();
   const Sounds sounds = crashed.sounds();
   ASSERT_EQ(sounds.size(), 2u);
-  EXPECT_EQ(sounds[0], "explosion");
-  EXPECT_TRUE(sounds[1].starts_with("baby-laugh-"));
+  EXPECT_TRUE(sounds[0] == "explosion" && sounds[1].starts_with("baby-laugh-")) << sounds[0] << sounds[1];
   EXPECT_FALSE(crashed.view->cursorHidden());
   EXPECT_EQ(crashed->highScore, crashed->score);
   EXPECT_FALSE(crashed.preferences->objectForKey("quorraHighScore").has_value());
@@ -148,6 +148,40 @@ TEST(StateMachine, ARunEndsWithoutWritingTheBest) {
   EXPECT_EQ(abandoned->score, 0);
   EXPECT_EQ(abandoned->highScore, 50) << "the in-memory best stays";
   EXPECT_TRUE(abandoned->obstacleNodes.empty());
+
+  AttachedScene restarted(test::SceneOptions{.size = {1000, 600}});
+  const Point home = restarted->playerContainer->position;
+  enter(restarted, G::paused);
+  restarted->obstacleSpeed = 9;
+  restarted->playerContainer->position = {1, 2};
+  restarted.clickOn(*restarted->restartButton());
+  EXPECT_EQ(restarted->obstacleSpeed, kStartObstacleSpeed) << "a restart starts afresh";
+  EXPECT_EQ(restarted->playerContainer->position, home);
+}
+
+// What the head-up display and the game-over page tell a player.
+TEST(Hud, ShowsTheStoredBestDuringARunAndTheGameOverPageTheLiveBestAndEveryTaunt) {
+  auto store = std::make_shared<MemoryPreferences>();
+  store->setInteger(250, kHighScoreKey);
+  AttachedScene s({.preferences = store});
+  EXPECT_EQ(s->pauseButton->text(), "Pause");
+  s.press(keycode::space);
+  s.step(120);
+  ASSERT_GT(s->score, 0);
+  EXPECT_EQ(s->highScoreLabel->text(), "High: 250") << "a best score in the store shows";
+
+  s->score = 7;
+  s->highScore = 9;  // the page shows the live best, not the store's
+  std::set<std::string> seen;
+  for (int i = 0; i < 1000; ++i) {
+    s->updateGameOverOverlay();
+    seen.insert(s->tauntLabel->text());
+  }
+  EXPECT_EQ(seen, std::set<std::string>(s->taunts.begin(), s->taunts.end())) << "every taunt, and nothing else";
+  EXPECT_EQ(s->goHigh->text(), "High: 9");
+  s->taunts.clear();
+  s->updateGameOverOverlay();
+  EXPECT_EQ(s->tauntLabel->text(), "Press Space to Retry");
 }
 
 TEST(Lifecycle, OnlyItsOwnWindowsNewsAndSizeReachTheSceneUntilItIsDismissed) {
@@ -168,44 +202,46 @@ TEST(Lifecycle, OnlyItsOwnWindowsNewsAndSizeReachTheSceneUntilItIsDismissed) {
   EXPECT_EQ(centre.observerCount(), 0u);
 }
 
-TEST(Lifecycle, ARestartStartsAfresh) {
-  AttachedScene game(test::SceneOptions{.size = {1000, 600}});
-  const Point home = game->playerContainer->position;  // standing on the ground, as a new scene places it
-  enter(game, G::paused);
-  game->obstacleSpeed = 9;
-  game->playerContainer->position = {1, 2};
-  game.clickOn(*game->restartButton());
-  EXPECT_EQ(game->obstacleSpeed, kStartObstacleSpeed);
-  EXPECT_EQ(game->playerContainer->position, home);
-}
+// Quit and relaunch with the real preferences file; the keys are what other copies of the game read.
+TEST(Input, SettingsButtonsChangeMusicAndVolumeButOnlyTheFrameRateToggleSavesAndARelaunchReadsItBack) {
+  const test::TempFolder folder("zb-settings");
+  const auto file = folder.path() / "zindlebop" / "preferences.ini";
+  {
+    AttachedScene game({.preferences = std::make_shared<FilePreferences>(file)});
+    GameScene& s = *game;
+    game.clickOn(*s.settingsButton);
+    EXPECT_EQ(s.volumeLabel->text(), "Volume: 60%");
+    game.clickOn(*s.musicToggleLabel);
+    game.clickOn(*s.volDownButton);
+    EXPECT_EQ(s.musicToggleLabel->text(), "Music: Off");
+    EXPECT_EQ(s.volumeLabel->text(), "Volume: 50%");
+    EXPECT_TRUE(game.preferences->dictionaryRepresentation().empty());
+    s.settingMusicVolume = 0.70000005f;  // off the tenths: must come back bit for bit
+    s.highScore = 5000;
+    game.clickOn(*s.toggleFPSLabel);
+    EXPECT_EQ(s.toggleFPSLabel->text(), "Show FPS: On");
+    EXPECT_TRUE(game.view->showsFPS && game.view->showsNodeCount);
+    EXPECT_EQ(game.preferences->dictionaryRepresentation().size(), 3u) << "the best score is not among them";
+    EXPECT_TRUE(game.preferences->boolForKey("quorra_settingShowFPS"));
+    EXPECT_FALSE(game.preferences->boolForKey("quorra_settingMusicEnabled"));
+    EXPECT_EQ(game.preferences->floatForKey("quorra_settingMusicVolume"), 0.70000005f);
+    game.press(keycode::escape);
+    EXPECT_FALSE(game.view->showsFPS) << "the menu switches the counters off again";
+  }
+  AttachedScene relaunched({.preferences = std::make_shared<FilePreferences>(file)});
+  GameScene& s = *relaunched;
+  EXPECT_TRUE(s.settingShowFPS);
+  EXPECT_FALSE(s.settingMusicEnabled);
+  EXPECT_EQ(std::bit_cast<uint32_t>(s.settingMusicVolume), std::bit_cast<uint32_t>(0.70000005f));
+  relaunched.step(20);
+  EXPECT_EQ(relaunched.musicVolume(), 0) << "music off stays silent on the menu";
 
-TEST(Input, SettingsButtonsChangeMusicAndVolumeButOnlyTheFrameRateToggleSaves) {
-  AttachedScene game;
-  GameScene& s = *game;
-  game.clickOn(*s.settingsButton);
-  EXPECT_EQ(s.volumeLabel->text(), "Volume: 60%");
-  game.clickOn(*s.musicToggleLabel);
-  game.clickOn(*s.volDownButton);
-  EXPECT_EQ(s.musicToggleLabel->text(), "Music: Off");
-  EXPECT_EQ(s.volumeLabel->text(), "Volume: 50%");
-  EXPECT_TRUE(game.preferences->dictionaryRepresentation().empty());
-  game.clickOn(*s.toggleFPSLabel);
-  EXPECT_EQ(s.toggleFPSLabel->text(), "Show FPS: On");
-  EXPECT_TRUE(game.view->showsFPS && game.view->showsNodeCount);
-  EXPECT_TRUE(game.preferences->boolForKey("quorra_settingShowFPS"));
-  EXPECT_FALSE(game.preferences->boolForKey("quorra_settingMusicEnabled"));
-  EXPECT_EQ(game.preferences->floatForKey("quorra_settingMusicVolume"), 0.5f);
-  game.press(keycode::escape);
-  EXPECT_FALSE(game.view->showsFPS) << "the menu switches the counters off again";
-
-  // Volume steps in single precision: six down from 60% leave a crumb above zero that reads 0%, the
-  // seventh reaches zero and stays; up stops at 100%.
+  // Single-precision steps: six down from 60% leave a crumb that reads 0%; up stops at 100%.
   s.settingMusicVolume = 0.6f;
   for (int i = 0; i < 6; ++i) s.volumeDown();
   EXPECT_GT(s.settingMusicVolume, 0.0f);
   EXPECT_EQ(s.volumeLabel->text(), "Volume: 0%");
-  s.volumeDown();
-  s.volumeDown();
+  for (int i = 0; i < 2; ++i) s.volumeDown();
   EXPECT_EQ(s.settingMusicVolume, 0.0f);
   s.settingMusicVolume = 0.6f;
   for (int i = 0; i < 5; ++i) s.volumeUp();

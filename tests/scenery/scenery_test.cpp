@@ -1,5 +1,4 @@
-// The scenery around a run: the skyline and clouds drifting and wrapping, birds crossing, and the
-// palettes a run steps through. The crash burst is left to the screenshots.
+// The scenery around a run: skyline and clouds, birds, palettes, and how each is drawn between steps.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,7 +17,7 @@ namespace {
 using test::AttachedScene;
 using State = GameScene::GameState;
 
-// At the starting speed the clouds drift 1 point a frame and the buildings 0.4; the drift follows the speed.
+// Points a frame at the starting speed; the drift follows the speed.
 constexpr double kCloudDriftAtStart = 1, kBuildingDriftAtStart = 0.4;
 
 std::vector<Point> positions(const Node& group) {
@@ -108,7 +107,7 @@ void expectPalette(const GameScene& s, int64_t index) {
   EXPECT_EQ(s.highScoreLabel->fontColor, palette.secondary);
 }
 
-TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
+TEST(Palettes, StepEvery350PointsCycleAfterFourAndTheMenuAfterAGameOverStepsOnce) {
   AttachedScene s;
   scoreUpTo(*s, 349);
   expectPalette(*s, 0);
@@ -116,20 +115,18 @@ TEST(Palettes, StepEvery350PointsAndCycleBackAfterFour) {
   expectPalette(*s, 1);
   scoreUpTo(*s, 1400);
   expectPalette(*s, 0);
-}
 
-TEST(Palettes, GameOverAt800ThenTheMenuAdvancesOnceMoreAndARetryKeepsThePalette) {
-  for (bool retry : {false, true}) {
+  for (bool retry : {false, true}) {  // game over at 800, then the menu steps once more, a retry does not
     SCOPED_TRACE(retry ? "retry" : "menu");
-    AttachedScene s;
-    s->startGame();
-    scoreUpTo(*s, 800);
-    s->showGameOver();
-    s.step();
-    expectPalette(*s, 2);
-    retry ? s->startGame() : s->showMenu();
-    s.step(10);
-    expectPalette(*s, retry ? 2 : 3);
+    AttachedScene over;
+    over->startGame();
+    scoreUpTo(*over, 800);
+    over->showGameOver();
+    over.step();
+    expectPalette(*over, 2);
+    retry ? over->startGame() : over->showMenu();
+    over.step(10);
+    expectPalette(*over, retry ? 2 : 3);
   }
 }
 
@@ -140,8 +137,7 @@ void forEachNode(const Node& node, const std::function<void(const Node&)>& f) {
   }
 }
 
-// Frames between two steps: what a step moved is drawn part of the way along its move, what jumped
-// (an obstacle back from the pool, scenery wrapping round, a page shown, a resize) where it is.
+// What a step moved is drawn part way along; what jumped (pooled, wrapped, shown, resized) where it is.
 TEST(BetweenSteps, ARunSlidesWhatMovesAndDrawsWhatJumpsWhereItIs) {
   AttachedScene s;
   Autoplayer player;
@@ -154,24 +150,22 @@ TEST(BetweenSteps, ARunSlidesWhatMovesAndDrawsWhatJumpsWhereItIs) {
     for (const NodePtr& b : s->buildingGroup->children()) before[b.get()] = b->position.x;
     for (const KeyStroke& stroke : player.play(*s)) stroke.down ? s.press(stroke.keyCode) : s.release(stroke.keyCode);
     s.step();
+    // Half way along its step, or where it is if it jumped: new from the pool, or wrapped round.
+    const auto drawnJumped = [&](const Node& n) {
+      const auto was = before.find(&n);
+      const bool jumped = was == before.end() || n.position.x > was->second;
+      if (jumped) {
+        EXPECT_EQ(n.placementBetweenSteps(0.5), n.placement());
+      } else {
+        EXPECT_DOUBLE_EQ(n.placementBetweenSteps(0.5).position.x, (was->second + n.position.x) / 2);
+      }
+      return jumped;
+    };
     for (const auto& o : s->obstacleNodes) {
-      const auto was = before.find(o.get());
-      if (was == before.end()) {
-        EXPECT_EQ(o->placementBetweenSteps(0.5), o->placement()) << "a new obstacle appears where it is put";
-        reused += !seen.insert(o.get()).second;
-      } else {
-        EXPECT_DOUBLE_EQ(o->placementBetweenSteps(0.5).position.x, (was->second + o->position.x) / 2);
-        ++slid;
-      }
+      if (!drawnJumped(*o)) ++slid;
+      else if (!seen.insert(o.get()).second) ++reused;
     }
-    for (const NodePtr& b : s->buildingGroup->children()) {
-      if (b->position.x > before[b.get()]) {
-        EXPECT_EQ(b->placementBetweenSteps(0.5), b->placement()) << "a wrapping building does not slide back";
-        ++wrapped;
-      } else {
-        EXPECT_DOUBLE_EQ(b->placementBetweenSteps(0.5).position.x, (before[b.get()] + b->position.x) / 2);
-      }
-    }
+    for (const NodePtr& b : s->buildingGroup->children()) wrapped += drawnJumped(*b);
     strides += s->playerLegLeft->pathBetweenSteps(0.5).has_value();
   }
   EXPECT_GT(slid, 100);
