@@ -1,5 +1,5 @@
-// The game as `cmake --install` lays it out in a private folder: what desktops, software centres and man
-// read from it, the installed program moved elsewhere and shown in a virtual display, and the .deb.
+// The game as `cmake --install` lays it out in a private folder, moved and shown in a virtual display,
+// and the .deb.
 #include <cairo.h>
 #include <gtest/gtest.h>
 
@@ -75,8 +75,7 @@ kill "$game"; wait "$game"
 
 // The window, in a virtual display, carries the entry's class and the installed icon.
 void expectWindowClassAndIcon(const InstalledTree& tree) {
-  // The virtual display's GL driver leaves allocations behind in a library it unloads, where no
-  // leak suppression can name it; the game's own leaks are checked by the headless tests.
+  // The virtual display's GL driver leaks where no suppression can name it; headless runs check leaks.
   const BinaryRun run = runTool({"ASAN_OPTIONS=detect_leaks=0", "xvfb-run", "-a", "-s", "-screen 0 1024x768x24",
                                  "sh", "-c", kInspectWindow, "sh", tree.file("/zindlebop"),
                                  tree.folder.path() / "prefs.ini"});
@@ -84,8 +83,7 @@ void expectWindowClassAndIcon(const InstalledTree& tree) {
   EXPECT_NE(run.out.find("WM_CLASS(STRING) = \"" + windowClass + "\", \"" + windowClass + "\""), std::string::npos)
       << run.out << run.err;
 
-  // Width, height and the pixels, as numbers; std::regex recurses per character, and the list is some
-  // 180 kB, so it is split by hand.
+  // Width, height and the pixels; split by hand, as std::regex would recurse through some 180 kB.
   const std::size_t start = run.out.find("_NET_WM_ICON = ");
   std::istringstream numbers(start == std::string::npos ? "" : run.out.substr(start + 15));
   std::vector<std::uint32_t> shown;
@@ -118,8 +116,7 @@ TEST(InstalledGame, PassesTheValidatorsShowsItsIconNamesThisVersionAndEveryOptio
   const BinaryRun desktop = runTool({"desktop-file-validate", tree.file(".desktop")});
   EXPECT_EQ(desktop.status, 0);
   EXPECT_EQ(desktop.out + desktop.err, "");
-  // Pedantic hints, infos, warnings and errors all count: a software centre lists a clean entry. The
-  // tree check also finds the desktop entry the metainfo launches.
+  // Pedantic hints count too; the tree check also finds the desktop entry the metainfo launches.
   for (const BinaryRun& metainfo :
        {runTool({"appstreamcli", "validate", "--no-net", "--pedantic", tree.file(".metainfo.xml")}),
         runTool({"appstreamcli", "validate-tree", "--no-net", "--pedantic", tree.prefix()})}) {
@@ -165,8 +162,7 @@ TEST(InstalledGame, TheDebDependsOnItsLibrariesCarriesDebiansHardeningAndPassesL
     EXPECT_NE(depends.find(library), std::string::npos) << library << " missing from: " << depends;
   }
   EXPECT_NE(runTool({"dpkg-deb", "--contents", deb}).out.find("./usr/share/zindlebop/jump.mp3"), std::string::npos);
-  // The distribution's hardening, as its own checker sees it. Debian 12's C runtime is built without
-  // control-flow protection, so no program linked against it can show that one.
+  // Debian's hardening, by its own checker; Debian 12's C runtime lacks control-flow protection.
   ASSERT_EQ(runTool({"dpkg-deb", "--extract", deb, folder.path() / "tree"}).status, 0);
   const BinaryRun hardening =
       runTool({"hardening-check", "--nocfprotection", folder.path() / "tree/usr/games/zindlebop"});

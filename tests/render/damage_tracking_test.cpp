@@ -73,11 +73,11 @@ struct TrackedDrawing {
   }
 };
 
+// A seeded headless game, drawn at its current pixel scale.
 struct TrackedRun : TrackedDrawing {
   std::ostringstream out;
   HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
   double pixelScale = 1;
-
   double drawAndCompare(uint64_t frame, double stepFraction = 1) {
     return TrackedDrawing::drawAndCompare(session.view(), pixelScale, frame, stepFraction);
   }
