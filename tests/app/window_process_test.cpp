@@ -75,9 +75,8 @@ xdotool windowactivate --sync "$window" 2>/dev/null || xdotool windowfocus --syn
 [ "$wm" = none ] || timeout 10 sh -c "until xprop -id $window WM_STATE | grep -q Normal; do sleep 0.1; done"
 sleep 0.5
 xdotool key --delay 0 $(yes alt+Return | head -n "$presses")
-# Wait until the geometry holds for three seconds (on a loaded machine the game can stall for over a
-# second in mid-burst), then print it, close the window from outside and print the exit status and the
-# number of X errors the game reported.
+# Once the geometry holds for three seconds (a loaded machine can stall over a second), print it, close
+# the window from outside, and print the exit status and the number of X errors.
 geometry() { xwininfo -id "$window" | awk '/Width:|Height:/ { printf "%s ", $2 }'; }
 previous=""; held=0; tries=0
 while [ $held -lt 6 ] && [ $tries -lt 60 ]; do

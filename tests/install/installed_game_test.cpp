@@ -27,14 +27,12 @@ std::string firstMatch(const std::string& text, const std::string& pattern) {
   return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : std::string();
 }
 
-// A PNG as a window's icon property holds it: width, height, then one ARGB word a pixel, with colour
-// multiplied by alpha as cairo reads it. Empty when unreadable.
+// A PNG as a window's icon property holds it: width, height, premultiplied ARGB words; empty if unreadable.
 std::vector<std::uint32_t> pngWords(const fs::path& file) {
   cairo_surface_t* image = cairo_image_surface_create_from_png(file.c_str());
   std::vector<std::uint32_t> words;
   if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
     const int width = cairo_image_surface_get_width(image), height = cairo_image_surface_get_height(image);
-    // Rows of four-byte pixels that cairo allocated itself have no padding.
     const auto* pixels = reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(image));
     words = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
     words.insert(words.end(), pixels, pixels + width * height);

@@ -32,8 +32,8 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   auto scene = std::make_shared<RecordingScene>();
   view.presentScene(scene);
   // Each event as SDL fills it, every field in SDL's order.
-  const auto key = [&](Uint32 type, SDL_Scancode code, Uint16 mod, Uint8 repeat) {
-    dispatchEvent(SDL_Event{.key = {type, 0, 0, 0, repeat, 0, 0, {code, 0, mod, 0}}}, view);
+  const auto key = [&](Uint32 type, SDL_Scancode code, Uint16 mod, Uint8 repeat = 0) {
+    return dispatchEvent(SDL_Event{.key = {type, 0, 0, 0, repeat, 0, 0, {code, 0, mod, 0}}}, view);
   };
   const auto click = [&](Uint8 button, int x, int y) {
     dispatchEvent(SDL_Event{.button = {SDL_MOUSEBUTTONDOWN, 0, 0, 0, button, SDL_PRESSED, 1, 0, x, y}}, view);
@@ -54,11 +54,8 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   EXPECT_EQ(scene->clicks, (std::vector<Point>{{10, 280}, {0, 450}})) << "y up, the left button only";
   EXPECT_EQ(dispatchEvent(SDL_Event{.type = SDL_QUIT}, view), EventOutcome::quit);
   // Ctrl+Q quits before the scene hears of it; a plain Q is an ordinary key.
-  const auto quitKey = [&](Uint16 mod) {
-    return dispatchEvent(SDL_Event{.key = {SDL_KEYDOWN, 0, 0, 0, 0, 0, 0, {SDL_SCANCODE_Q, 0, mod, 0}}}, view);
-  };
-  EXPECT_EQ(quitKey(KMOD_LCTRL), EventOutcome::quit);
-  EXPECT_EQ(quitKey(KMOD_NONE), EventOutcome::handled);
+  EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_Q, KMOD_LCTRL), EventOutcome::quit);
+  EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_Q, KMOD_NONE), EventOutcome::handled);
   EXPECT_EQ(scene->downs.size(), 3u);
 }
 
