@@ -5,6 +5,7 @@
 #include <gio/gio.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,9 +20,8 @@ class ChildProcess {
   explicit ChildProcess(std::vector<std::string> arguments, int limitSeconds = 120) {
     signal(SIGPIPE, SIG_IGN);  // a child that exits early must not take the test with it
     arguments.insert(arguments.begin(), {"timeout", "-s", "KILL", std::to_string(limitSeconds)});
-    std::vector<const char*> argv;
-    for (const std::string& argument : arguments) argv.push_back(argument.c_str());
-    argv.push_back(nullptr);
+    std::vector<const char*> argv(arguments.size() + 1, nullptr);
+    std::transform(arguments.begin(), arguments.end(), argv.begin(), [](auto& a) { return a.c_str(); });
     process_ = g_subprocess_newv(argv.data(),
                                  static_cast<GSubprocessFlags>(G_SUBPROCESS_FLAGS_STDIN_PIPE |
                                                                G_SUBPROCESS_FLAGS_STDOUT_PIPE |
@@ -31,8 +31,8 @@ class ChildProcess {
   }
   // Closing standard input ends the headless game; the time limit ends anything else.
   ~ChildProcess() {
-    if (lines_ != nullptr) g_object_unref(lines_);
-    if (process_ != nullptr) g_object_unref(process_);
+    g_clear_object(&lines_);
+    g_clear_object(&process_);
   }
   ChildProcess(const ChildProcess&) = delete;
   ChildProcess& operator=(const ChildProcess&) = delete;
@@ -55,7 +55,7 @@ class ChildProcess {
   // after a signal, the time limit's too.
   int finish(std::string_view input = {}) {
     if (process_ == nullptr) return -1;
-    gsize buffered = 0;
+    gsize buffered = 0;  // what readLine has already taken from the pipe
     const void* unread = g_buffered_input_stream_peek_buffer(G_BUFFERED_INPUT_STREAM(lines_), &buffered);
     output_.assign(static_cast<const char*>(unread), buffered);
     g_autoptr(GBytes) bytes = g_bytes_new(input.data(), input.size());

@@ -1,6 +1,4 @@
-// The real binary given preference paths and files that users and their systems produce: links,
-// FIFOs, device nodes, hand edits, files from somewhere else. Nothing may be destroyed, nothing may
-// hang, and every refusal is said in one line.
+// The real binary given odd preference paths and files: nothing destroyed, no hang, each refusal one line.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -117,9 +115,8 @@ TEST(PreferencesAbuse, AnUnreadableFileIsKeptBesideTheNewOneAndThePlayerToldWher
   }
 }
 
-// A full disk, for any user: with the file-size limit at zero every write fails (SIGXFSZ is ignored,
-// so the write returns an error instead of killing the game), while the file stays readable. Toggled
-// twice, the failure is said once, with the file and the reason.
+// A full disk, for any user: a zero file-size limit (SIGXFSZ ignored) fails every write. Toggled twice,
+// the failure is said once, with the file and the reason.
 TEST(PreferencesAbuse, AFailedWriteLeavesAGoodFileAsItWasAndSaysWhyOnce) {
   TempFolder folder("zb-abuse-full");
   const fs::path file = folder.path() / "prefs.ini";

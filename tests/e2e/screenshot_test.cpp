@@ -1,8 +1,5 @@
-// What the game shows, compared with committed pictures: the four pages, a run with each kind of
-// obstacle, and each palette, at 800 x 600 from a fixed seed. ZB_UPDATE_SCREENSHOTS=1 writes the
-// pictures into tests/e2e/reference/ instead of comparing; look at each one before committing it.
-// And what the real window shows in a virtual X display is, pixel for pixel, what the headless
-// driver draws after the same steps, on both ways of presenting.
+// What the game shows against committed pictures (ZB_UPDATE_SCREENSHOTS=1 rewrites tests/e2e/reference/;
+// look at each before committing), and the window in a virtual display against the headless picture.
 #include <cairo.h>
 #include <gtest/gtest.h>
 
@@ -20,9 +17,8 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path kReferences = fs::path(ZB_SOURCE_DIR) / "tests" / "e2e" / "reference";
-// Text edges may be smoothed a little differently by another font library version, so a channel
-// may be a little off; but a wrong digit or a missing bird is a dozen pixels in one spot, so every
-// 16 x 16 tile may hold only a few wrong pixels.
+// Another font library may smooth text edges a little differently; a wrong digit or a missing bird
+// is a dozen pixels in one 16 x 16 tile.
 constexpr int kChannelTolerance = 8;
 constexpr int kTile = 16;
 constexpr int kMaxWrongPerTile = 4;
@@ -103,7 +99,7 @@ TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
   for (size_t i = 0; i < std::size(shots); ++i) {
     const Shot& shot = shots[i];
     SCOPED_TRACE(shot.name);
-    // The picture must still show what it was chosen for; if play changed, choose new frames.
+    // If play changed, choose new frames.
     EXPECT_EQ(dumps[i]["gameState"].get<std::string>(), shot.state);
     EXPECT_EQ(dumps[i]["currentPaletteIndex"].get<double>(), shot.palette);
     const fs::path actual = folder.path() / (std::string(shot.name) + ".png");
@@ -125,24 +121,19 @@ TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
 // The comparison itself must notice one small element gone wrong: a stray bird in the sky.
 TEST(Screenshots, TheComparisonCatchesOneStrayBird) {
   const Surface reference = readPNG(kReferences / "run-boxes.png");
-  const Surface copy(cairo_image_surface_create(CAIRO_FORMAT_RGB24, 800, 600), &cairo_surface_destroy);
-  cairo_t* cr = cairo_create(copy.get());
-  cairo_set_source_surface(cr, reference.get(), 0, 0);
-  cairo_paint(cr);
+  const Surface copy = readPNG(kReferences / "run-boxes.png");
   EXPECT_EQ(worstTile(reference.get(), copy.get()).wrong, 0);
-  cairo_set_source_rgb(cr, 0.2, 0.2, 0.2);
+  cairo_t* cr = cairo_create(copy.get());
   cairo_set_line_width(cr, 2);
   cairo_move_to(cr, 500, 200);
   cairo_line_to(cr, 506, 197);
   cairo_line_to(cr, 512, 200);
-  cairo_stroke(cr);
+  cairo_stroke(cr);  // in black
   cairo_destroy(cr);
   EXPECT_GT(worstTile(reference.get(), copy.get()).wrong, kMaxWrongPerTile);
 }
 
-// `screenshot FILE at F`: the picture a display shows F of a step after the last step. At 0 it is the
-// last step's picture itself; in between, the run is drawn between its last two steps; near 1 it has
-// all but arrived at the last step.
+// `screenshot FILE at F`: at 0 the last step itself, in between a picture between the last two steps.
 TEST(Screenshots, AtAFractionOfAStepTheRunIsDrawnBetweenItsLastTwoSteps) {
   TempFolder folder("zb-screenshot-between");
   const auto shot = [&](const char* name) { return (folder.path() / name).string(); };
@@ -161,8 +152,8 @@ TEST(Screenshots, AtAFractionOfAStepTheRunIsDrawnBetweenItsLastTwoSteps) {
   EXPECT_LE(worstTile(readPNG(shot("almost.png")).get(), last.get()).wrong, kMaxWrongPerTile);
 }
 
-// The way of presenting asked for; the virtual display has no graphics card behind it, so without a
-// choice the framebuffer is used.
+// The way of presenting asked for; with no graphics card behind the virtual display, no choice means
+// the framebuffer.
 class WindowPixels : public testing::TestWithParam<const char*> {};
 
 TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
@@ -170,8 +161,8 @@ TEST_P(WindowPixels, WindowAfterAutoplayEqualsTheHeadlessPicture) {
   const std::string chosen = GetParam(), used = chosen.empty() ? "framebuffer" : chosen;
   TempFolder folder("zb-window-pixels-" + used);
   const std::string window = folder.path() / "window.png", headless = folder.path() / "headless.png";
-  // The virtual display's GL driver leaves allocations behind that no suppression can name. There is
-  // no sound device either, and the game plays on without a word about it.
+  // The virtual display's GL driver leaks where no suppression can name it; without sound the game
+  // plays on without a word.
   const BinaryRun run = runBinary({"/usr/bin/env", "ASAN_OPTIONS=detect_leaks=0", "SDL_AUDIODRIVER=nonexistent",
                                    "ZINDLEBOP_REPORT_FRAMES=1", "ZINDLEBOP_REPORT_PRESENT=1",
                                    "ZINDLEBOP_PRESENT=" + chosen, "xvfb-run", "-a", "-s",

@@ -1,5 +1,5 @@
-// The game as `cmake --install` lays it out in a private folder: what desktops, software centres and man
-// read from it, the installed program moved elsewhere and shown in a virtual display, and the .deb.
+// The game as `cmake --install` lays it out in a private folder, moved and shown in a virtual display,
+// and the .deb.
 #include <cairo.h>
 #include <gtest/gtest.h>
 
@@ -27,14 +27,12 @@ std::string firstMatch(const std::string& text, const std::string& pattern) {
   return std::regex_search(text, match, std::regex(pattern)) ? match[1].str() : std::string();
 }
 
-// A PNG as a window's icon property holds it: width, height, then one ARGB word a pixel, with colour
-// multiplied by alpha as cairo reads it. Empty when unreadable.
+// A PNG as a window's icon property holds it: width, height, premultiplied ARGB words; empty if unreadable.
 std::vector<std::uint32_t> pngWords(const fs::path& file) {
   cairo_surface_t* image = cairo_image_surface_create_from_png(file.c_str());
   std::vector<std::uint32_t> words;
   if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS) {
     const int width = cairo_image_surface_get_width(image), height = cairo_image_surface_get_height(image);
-    // Rows of four-byte pixels that cairo allocated itself have no padding.
     const auto* pixels = reinterpret_cast<const std::uint32_t*>(cairo_image_surface_get_data(image));
     words = {static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height)};
     words.insert(words.end(), pixels, pixels + width * height);
@@ -64,15 +62,59 @@ struct InstalledTree {
   BinaryRun install;
 };
 
-TEST(InstalledGame, PassesTheValidatorsOneIdNamesItAllAndTheManPageNamesThisVersionAndEveryOption) {
-  ZB_REQUIRE_PROGRAMS("desktop-file-validate", "appstreamcli", "man");
+// Opens the game, finds its window by process id, prints the window's class and icon, and closes it.
+constexpr const char* kInspectWindow = R"(
+"$1" --frames 1800 --prefs "$2" & game=$!
+window=$(timeout 30 xdotool search --sync --pid "$game" | head -n 1)
+xprop -id "$window" WM_CLASS
+xprop -id "$window" -notype 32c _NET_WM_ICON
+kill "$game"; wait "$game"
+)";
+
+// The window, in a virtual display, carries the entry's class and the installed icon.
+void expectWindowClassAndIcon(const InstalledTree& tree) {
+  // The virtual display's GL driver leaks where no suppression can name it; headless runs check leaks.
+  const BinaryRun run = runTool({"ASAN_OPTIONS=detect_leaks=0", "xvfb-run", "-a", "-s", "-screen 0 1024x768x24",
+                                 "sh", "-c", kInspectWindow, "sh", tree.file("/zindlebop"),
+                                 tree.folder.path() / "prefs.ini"});
+  const std::string windowClass = tree.desktopKey("StartupWMClass");
+  EXPECT_NE(run.out.find("WM_CLASS(STRING) = \"" + windowClass + "\", \"" + windowClass + "\""), std::string::npos)
+      << run.out << run.err;
+
+  // Width, height and the pixels; split by hand, as std::regex would recurse through some 180 kB.
+  const std::size_t start = run.out.find("_NET_WM_ICON = ");
+  std::istringstream numbers(start == std::string::npos ? "" : run.out.substr(start + 15));
+  std::vector<std::uint32_t> shown;
+  for (std::string number; numbers >> number;) shown.push_back(static_cast<std::uint32_t>(std::stoul(number)));
+  ASSERT_GE(shown.size(), 2u) << run.out << run.err;
+  const std::string size = std::to_string(shown[0]) + "x" + std::to_string(shown[1]);
+  const std::vector<std::uint32_t> installed = pngWords(tree.file("/" + size + "/apps/" + windowClass + ".png"));
+  ASSERT_EQ(shown.size(), installed.size()) << "no installed icon of the window icon's size, " << size;
+  // Alpha everywhere, and colour where the picture is opaque (elsewhere cairo's reading is rounded).
+  int differing = 0;
+  for (std::size_t i = 0; i < installed.size(); ++i) {
+    const bool opaque = (installed[i] >> 24) == 0xff;
+    if ((shown[i] >> 24) != (installed[i] >> 24) || (opaque && shown[i] != installed[i])) ++differing;
+  }
+  EXPECT_EQ(differing, 0);
+}
+
+// Whether starting a run with the installed program plays the jump sound.
+bool playsTheJump(const fs::path& binary) {
+  const BinaryRun run = runBinary({binary, "--headless", "--fallback", "none"}, "key down space\nstep\ndump\n");
+  const Json sounds = Json::parse(run.out)["sounds"];
+  return std::find(sounds.begin(), sounds.end(), "jump") != sounds.end();
+}
+
+TEST(InstalledGame, PassesTheValidatorsShowsItsIconNamesThisVersionAndEveryOptionAndPlaysMovedSounds) {
+  ZB_REQUIRE_PROGRAMS("desktop-file-validate", "appstreamcli", "man", "xvfb-run", "xdotool", "xprop");
   InstalledTree tree("zb-install-files");
   ASSERT_EQ(tree.install.status, 0) << tree.install.out << tree.install.err;
+  expectWindowClassAndIcon(tree);
   const BinaryRun desktop = runTool({"desktop-file-validate", tree.file(".desktop")});
   EXPECT_EQ(desktop.status, 0);
   EXPECT_EQ(desktop.out + desktop.err, "");
-  // Pedantic hints, infos, warnings and errors all count: a software centre lists a clean entry. The
-  // tree check also finds the desktop entry the metainfo launches.
+  // Pedantic hints count too; the tree check also finds the desktop entry the metainfo launches.
   for (const BinaryRun& metainfo :
        {runTool({"appstreamcli", "validate", "--no-net", "--pedantic", tree.file(".metainfo.xml")}),
         runTool({"appstreamcli", "validate-tree", "--no-net", "--pedantic", tree.prefix()})}) {
@@ -97,64 +139,12 @@ TEST(InstalledGame, PassesTheValidatorsOneIdNamesItAllAndTheManPageNamesThisVers
   for (std::sregex_iterator it(help.begin(), help.end(), option), end; it != end; ++it) {
     EXPECT_NE(man.out.find(it->str()), std::string::npos) << it->str() << " is not in the man page";
   }
-}
 
-// Whether starting a run with the installed program plays the jump sound.
-bool playsTheJump(const fs::path& binary) {
-  const BinaryRun run = runBinary({binary, "--headless", "--fallback", "none"}, "key down space\nstep\ndump\n");
-  const Json sounds = Json::parse(run.out)["sounds"];
-  return std::find(sounds.begin(), sounds.end(), "jump") != sounds.end();
-}
-
-TEST(InstalledGame, AMovedTreePlaysTheSoundsInstalledBesideIt) {
-  InstalledTree tree("zb-install-moved");
-  ASSERT_EQ(tree.install.status, 0) << tree.install.out << tree.install.err;
   fs::rename(tree.prefix(), tree.folder.path() / "elsewhere");
   EXPECT_TRUE(playsTheJump(tree.file("/zindlebop")));
   // Proof that the moved tree's own folder was used, and not the build tree's or the original prefix's.
   fs::remove(tree.file("/jump.mp3"));
   EXPECT_FALSE(playsTheJump(tree.file("/zindlebop")));
-}
-
-// Opens the game, finds its window by process id, prints the window's class and icon, and closes it.
-constexpr const char* kInspectWindow = R"(
-"$1" --frames 1800 --prefs "$2" & game=$!
-window=$(timeout 30 xdotool search --sync --pid "$game" | head -n 1)
-xprop -id "$window" WM_CLASS
-xprop -id "$window" -notype 32c _NET_WM_ICON
-kill "$game"; wait "$game"
-)";
-
-TEST(InstalledGame, TheWindowCarriesTheEntrysClassAndTheInstalledIcon) {
-  ZB_REQUIRE_PROGRAMS("xvfb-run", "xdotool", "xprop");
-  InstalledTree tree("zb-install-window");
-  ASSERT_EQ(tree.install.status, 0) << tree.install.out << tree.install.err;
-  // The virtual display's GL driver leaves allocations behind in a library it unloads, where no
-  // leak suppression can name it; the game's own leaks are checked by the headless tests.
-  const BinaryRun run = runTool({"ASAN_OPTIONS=detect_leaks=0", "xvfb-run", "-a", "-s", "-screen 0 1024x768x24",
-                                 "sh", "-c", kInspectWindow, "sh", tree.file("/zindlebop"),
-                                 tree.folder.path() / "prefs.ini"});
-  const std::string windowClass = tree.desktopKey("StartupWMClass");
-  EXPECT_NE(run.out.find("WM_CLASS(STRING) = \"" + windowClass + "\", \"" + windowClass + "\""), std::string::npos)
-      << run.out << run.err;
-
-  // Width, height and the pixels, as numbers; std::regex recurses per character, and the list is some
-  // 180 kB, so it is split by hand.
-  const std::size_t start = run.out.find("_NET_WM_ICON = ");
-  std::istringstream numbers(start == std::string::npos ? "" : run.out.substr(start + 15));
-  std::vector<std::uint32_t> shown;
-  for (std::string number; numbers >> number;) shown.push_back(static_cast<std::uint32_t>(std::stoul(number)));
-  ASSERT_GE(shown.size(), 2u) << run.out << run.err;
-  const std::string size = std::to_string(shown[0]) + "x" + std::to_string(shown[1]);
-  const std::vector<std::uint32_t> installed = pngWords(tree.file("/" + size + "/apps/" + windowClass + ".png"));
-  ASSERT_EQ(shown.size(), installed.size()) << "no installed icon of the window icon's size, " << size;
-  // Alpha everywhere, and colour where the picture is opaque (elsewhere cairo's reading is rounded).
-  int differing = 0;
-  for (std::size_t i = 0; i < installed.size(); ++i) {
-    const bool opaque = (installed[i] >> 24) == 0xff;
-    if ((shown[i] >> 24) != (installed[i] >> 24) || (opaque && shown[i] != installed[i])) ++differing;
-  }
-  EXPECT_EQ(differing, 0);
 }
 
 TEST(InstalledGame, TheDebDependsOnItsLibrariesCarriesDebiansHardeningAndPassesLintian) {
@@ -170,8 +160,7 @@ TEST(InstalledGame, TheDebDependsOnItsLibrariesCarriesDebiansHardeningAndPassesL
     EXPECT_NE(depends.find(library), std::string::npos) << library << " missing from: " << depends;
   }
   EXPECT_NE(runTool({"dpkg-deb", "--contents", deb}).out.find("./usr/share/zindlebop/jump.mp3"), std::string::npos);
-  // The distribution's hardening, as its own checker sees it. Debian 12's C runtime is built without
-  // control-flow protection, so no program linked against it can show that one.
+  // Debian's hardening, by its own checker; Debian 12's C runtime lacks control-flow protection.
   ASSERT_EQ(runTool({"dpkg-deb", "--extract", deb, folder.path() / "tree"}).status, 0);
   const BinaryRun hardening =
       runTool({"hardening-check", "--nocfprotection", folder.path() / "tree/usr/games/zindlebop"});

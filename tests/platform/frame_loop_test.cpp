@@ -40,28 +40,31 @@ struct FakeHost : FrameLoopHost {
   double clock = 0;
 };
 
-std::string run(std::vector<double> advances, bool minimized = false, std::optional<int64_t> frameLimit = {}) {
+// The host after the loop has run through `advances`, with vertical blanks every `vblank` if given.
+FakeHost run(std::vector<double> advances, bool minimized = false, std::optional<int64_t> frameLimit = {},
+             double vblank = 0) {
   FrameLoopOptions options;
   options.frameLimit = frameLimit;
   FakeHost host;
   host.advances = std::move(advances);
   host.isMinimized = minimized;
+  host.vblank = vblank;
   options.beforeStep = [&] { host.log += 's'; };
   View view(Size{100, 100});
   FramePacer pacer;
   runFrames(view, pacer, host, options);
-  return host.log;
+  return host;
 }
 
 TEST(FrameLoop, EachDrawFollowsAStepNoneComesWithoutOneOrWhenMinimisedAndAStallIsCaughtUpALittle) {
   const double onTime = 1.001 / 60;
-  EXPECT_EQ(run({0, onTime, onTime, onTime}, false, 2), "sdsd") << "stops at the frame limit";
+  EXPECT_EQ(run({0, onTime, onTime, onTime}, false, 2).log, "sdsd") << "stops at the frame limit";
   // A pass that comes too early waits instead of drawing the same picture again.
-  EXPECT_EQ(run({0, onTime / 10, onTime}), "sdwsd");
-  EXPECT_EQ(run({0, onTime, onTime}, true), "sss") << "a minimised window keeps time without drawing";
+  EXPECT_EQ(run({0, onTime / 10, onTime}).log, "sdwsd");
+  EXPECT_EQ(run({0, onTime, onTime}, true).log, "sss") << "a minimised window keeps time without drawing";
   // A short stall is made up, a second's stall is not raced through, and only its last step is drawn.
-  EXPECT_EQ(run({0, 3.001 / 60}), "sdsssd");
-  EXPECT_EQ(run({0, 1.0}), "sd" + std::string(FramePacer::kMaxCatchUpSteps, 's') + "d");
+  EXPECT_EQ(run({0, 3.001 / 60}).log, "sdsssd");
+  EXPECT_EQ(run({0, 1.0}).log, "sd" + std::string(FramePacer::kMaxCatchUpSteps, 's') + "d");
 }
 
 // Counted on a fake clock: every frame moves the obstacle on (F = 0), and by nearly the same distance
@@ -82,15 +85,7 @@ TEST(FrameLoop, MotionIsEvenOnA144HzDisplayAndAtHalfSpeedOnEitherPath) {
 }
 
 TEST(FrameLoop, BetweenStepsAFrameNeverTakesTwoStepsAndAStopShowsTheLastStepWhole) {
-  FakeHost host;
-  host.vblank = 1 / 144.0;
-  host.advances.assign(40, 1 / 144.0);
-  FrameLoopOptions options;
-  options.beforeStep = [&] { host.log += 's'; };
-  options.frameLimit = 10;
-  View view(Size{100, 100});
-  FramePacer pacer;
-  runFrames(view, pacer, host, options);
+  const FakeHost host = run(std::vector<double>(40, 1 / 144.0), false, 10, 1 / 144.0);
   EXPECT_EQ(host.log.find("ss"), std::string::npos) << host.log;
   EXPECT_NE(host.log.find("dd"), std::string::npos) << "frames come between steps: " << host.log;
   ASSERT_FALSE(host.fractions.empty());

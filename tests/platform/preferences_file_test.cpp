@@ -30,9 +30,8 @@ TEST(PreferencesFile, AwkwardKeysAndValuesKeepTheirTypeThroughTheFileAndRemovals
   EXPECT_EQ(FilePreferences(fileInNewFolder(folder)).dictionaryRepresentation(), stored);
 }
 
-// Two copies of the game on one file see and merge each other's writes. A full disk (a file-size limit,
-// which works for any user, fails a long write half-way) leaves the old file whole, and the value that
-// could not be saved stays in memory across the other copy's change until a write can save it.
+// Two copies on one file merge each other's writes. A full disk (a file-size limit) leaves the old file
+// whole, and the unsaved value stays in memory across the other copy's change until a write saves it.
 TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothing) {
   test::TempFolder folder("zb-prefs-copies");
   const fs::path file = fileInNewFolder(folder);
@@ -69,8 +68,7 @@ TEST(PreferencesFile, TwoCopiesSeeAndMergeEachOthersWritesAndAFullDiskLosesNothi
   EXPECT_EQ(FilePreferences(file).objectForKey("long"), longText);
 }
 
-// Two copies saving at the same moment, each its own keys: every key of both reaches the file. A save
-// the next start could not read back is refused, said once, and the file stays as it was.
+// Two copies saving their own keys at once lose none; a save too big to read back is refused, said once.
 TEST(PreferencesFile, CopiesSavingAtOnceKeepEveryKeyAndNoSaveOutgrowsWhatIsReadBack) {
   test::TempFolder folder("zb-prefs-race");
   const fs::path file = fileInNewFolder(folder);

@@ -1,5 +1,5 @@
-// The comfort options as a player meets them: window focus through SDL's own window events, reduced
-// motion at a crash, remapped keys from the preferences file, and the slower game through the pacer.
+// The comfort options as a player meets them: focus through SDL's window events, reduced motion, keys.
+// The slower game's pace is in the frame loop's evenness table.
 #include <SDL.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -7,11 +7,9 @@
 #include <algorithm>
 #include <cmath>
 #include <string>
-#include <tuple>
 
 #include "engine/input_event.hpp"
 #include "engine/key_names.hpp"
-#include "platform/frame_pacer.hpp"
 #include "platform_sdl/sdl_events.hpp"
 #include "scene/scene_fixture.hpp"
 
@@ -141,23 +139,6 @@ TEST(RemappedKeys, ChosenKeysReplaceTheDefaultsUnknownNamesAndNumbersAreNamedOnc
   EXPECT_EQ(game->gameState, State::menu);
   game.press(*keyCodeForName("w"));
   EXPECT_EQ(game->gameState, State::playing) << "w stays with jump";
-}
-
-TEST(GameSpeed, ThePacerRunsSixtyTimesTheSpeedStepsASecondOnAnyDisplay) {
-  for (const auto& [speed, hz, vsync] : {std::tuple{0.5, 144.0, false}, {0.75, 60.0, true}}) {
-    FramePacer pacer(vsync);
-    pacer.setSpeed(speed);
-    double now = 50;
-    pacer.stepsDue(now);
-    int steps = 0;
-    for (int frame = 0; frame < hz * 10; ++frame) {
-      now += 1 / hz;
-      const int due = pacer.stepsDue(now);
-      EXPECT_LE(due, 1) << "a slower game never needs to catch up at a steady frame rate";
-      steps += due;
-    }
-    EXPECT_NEAR(steps, 60 * speed * 10, 1) << speed << " at " << hz << " Hz";
-  }
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// Gamepads through SDL's own virtual joysticks, the real controller layer and the window's event code,
-// into the real game: what a player holding a pad would see happen.
+// Gamepads through SDL's virtual joysticks, its controller layer and the window's event code, into the game.
 #include "platform_sdl/gamepads.hpp"
 
 #include <SDL.h>
@@ -30,8 +29,7 @@ class VirtualPads : public testing::Test {
     SDL_Quit();
   }
 
-  // A pad with the full common layout; SDL gives virtual pads a matching controller mapping. A pad of
-  // unknown type gets none: SDL knows nothing of its buttons.
+  // A pad with the common layout and its SDL mapping; one of unknown type gets no mapping.
   SDL_Joystick* attach(SDL_JoystickType type = SDL_JOYSTICK_TYPE_GAMECONTROLLER) {
     SDL_VirtualJoystickDesc desc{};
     desc.version = SDL_VIRTUAL_JOYSTICK_DESC_VERSION;
@@ -39,8 +37,7 @@ class VirtualPads : public testing::Test {
     desc.naxes = SDL_CONTROLLER_AXIS_MAX;
     desc.nbuttons = kGamepadButtonCount;
     desc.name = "Odd Pad";
-    // An identity of its own, so that a layout file can name this model.
-    desc.vendor_id = 0x1234;
+    desc.vendor_id = 0x1234;  // an identity a layout file can name
     desc.product_id = 0x5678;
     const int index = SDL_JoystickAttachVirtualEx(&desc);
     EXPECT_GE(index, 0) << SDL_GetError();
@@ -132,8 +129,7 @@ TEST_F(VirtualPads, EveryMappedButtonDoesWhatItsKeyDoesTheRestNothingAndTheStick
 TEST_F(VirtualPads, AnUnknownPadPlaysWithTheLayoutFileSdlIsToldAbout) {
   char guid[64] = {};
   SDL_JoystickGetGUIDString(SDL_JoystickGetGUID(attach(SDL_JOYSTICK_TYPE_UNKNOWN)), guid, sizeof guid);
-  // Its bottom face button reports as the second button. SDL reads the file when its joystick layer
-  // starts, as it does at the game's start.
+  // Its bottom face button reports as the second button; SDL reads the file as its joystick layer starts.
   SDL_Quit();
   const test::TempFolder folder("zb-pad-layouts");
   const std::string file = (folder.path() / "pads.txt").string();

@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <set>
+#include <string>
 #include <tuple>
 #include <vector>
 
+#include "engine/key_names.hpp"
 #include "engine/scene.hpp"
+#include "platform_sdl/key_mapping.hpp"
 #include "platform_sdl/sdl_view.hpp"
 
 namespace zb {
@@ -28,8 +32,8 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   auto scene = std::make_shared<RecordingScene>();
   view.presentScene(scene);
   // Each event as SDL fills it, every field in SDL's order.
-  const auto key = [&](Uint32 type, SDL_Scancode code, Uint16 mod, Uint8 repeat) {
-    dispatchEvent(SDL_Event{.key = {type, 0, 0, 0, repeat, 0, 0, {code, 0, mod, 0}}}, view);
+  const auto key = [&](Uint32 type, SDL_Scancode code, Uint16 mod, Uint8 repeat = 0) {
+    return dispatchEvent(SDL_Event{.key = {type, 0, 0, 0, repeat, 0, 0, {code, 0, mod, 0}}}, view);
   };
   const auto click = [&](Uint8 button, int x, int y) {
     dispatchEvent(SDL_Event{.button = {SDL_MOUSEBUTTONDOWN, 0, 0, 0, button, SDL_PRESSED, 1, 0, x, y}}, view);
@@ -50,12 +54,25 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
   EXPECT_EQ(scene->clicks, (std::vector<Point>{{10, 280}, {0, 450}})) << "y up, the left button only";
   EXPECT_EQ(dispatchEvent(SDL_Event{.type = SDL_QUIT}, view), EventOutcome::quit);
   // Ctrl+Q quits before the scene hears of it; a plain Q is an ordinary key.
-  const auto quitKey = [&](Uint16 mod) {
-    return dispatchEvent(SDL_Event{.key = {SDL_KEYDOWN, 0, 0, 0, 0, 0, 0, {SDL_SCANCODE_Q, 0, mod, 0}}}, view);
-  };
-  EXPECT_EQ(quitKey(KMOD_LCTRL), EventOutcome::quit);
-  EXPECT_EQ(quitKey(KMOD_NONE), EventOutcome::handled);
+  EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_Q, KMOD_LCTRL), EventOutcome::quit);
+  EXPECT_EQ(key(SDL_KEYDOWN, SDL_SCANCODE_Q, KMOD_NONE), EventOutcome::handled);
   EXPECT_EQ(scene->downs.size(), 3u);
+}
+
+TEST(KeyMapping, NamesAndScancodesGiveEachKeyItsOwnVirtualCodeAndOtherKeysNone) {
+  // The main Return, Space and the arrows reach the scene in the event tests; here the other Returns.
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_RETURN2), keycode::returnKey);
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_KP_ENTER), keycode::keypadEnter);
+  EXPECT_EQ(keyCodeForName("enter"), keycode::keypadEnter);
+  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_TAB), keycode::tab);
+  EXPECT_EQ(modifierFlagsFor(KMOD_RALT | KMOD_LSHIFT), kOptionModifierFlag | kShiftModifierFlag);
+  EXPECT_EQ(modifierFlagsFor(KMOD_RCTRL | KMOD_GUI | KMOD_NUM), kControlModifierFlag);
+
+  std::set<uint16_t> codes;
+  for (char c : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) codes.insert(*keyCodeForName(std::string(1, c)));
+  EXPECT_EQ(codes.size(), 36u);
+  for (const char* name : {"", "P", "Space", "f1", "10", "enter "}) EXPECT_FALSE(keyCodeForName(name)) << name;
+  EXPECT_GE(keyCodeForScancode(SDL_SCANCODE_F1), kUnmappedKeyCodeBase);
 }
 
 }  // namespace

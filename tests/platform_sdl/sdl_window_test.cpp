@@ -15,20 +15,10 @@
 namespace zb {
 namespace {
 
-class OffscreenVideo : public testing::Test {
- protected:
-  void SetUp() override {
-    setenv("SDL_VIDEODRIVER", "offscreen", 1);
-    ASSERT_TRUE(initSdlVideo(error)) << error;
-  }
-  void TearDown() override {
-    SDL_Quit();
-    unsetenv("SDL_VIDEODRIVER");
-  }
+TEST(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindowsSizeEvenWhenNoEventSaidSo) {
+  setenv("SDL_VIDEODRIVER", "offscreen", 1);
   std::string error;
-};
-
-TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindowsSizeEvenWhenNoEventSaidSo) {
+  ASSERT_TRUE(initSdlVideo(error)) << error;
   NotificationCenter center;
   std::vector<std::string> posted;
   center.addObserver(this, kWindowDidEnterFullScreenNotification, nullptr, [&] { posted.push_back("enter"); });
@@ -57,6 +47,8 @@ TEST_F(OffscreenVideo, ReportsEachFullScreenChangeOnceAndTheSceneTakesTheWindows
   ASSERT_NE(startedFull, nullptr) << error;
   startedFull->postFullScreenChanges(center);
   EXPECT_EQ(posted, (std::vector<std::string>{"enter", "exit", "enter"})) << "a start in full screen is announced";
+  SDL_Quit();
+  unsetenv("SDL_VIDEODRIVER");
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
-// The shipped sounds as the game hears them: found where the built game looks, decoded by the mixer the
-// game opens, measured with an EBU R128 meter, and mixed the way the mixer mixes them at the loudest
-// moment a crash can make. And the files the mixer must refuse rather than stall every jump on.
+// The shipped sounds as decoded by the game's mixer and measured with an EBU R128 meter, mixed as at the
+// loudest crash; and the files the mixer must refuse rather than stall every jump on.
 #include <SDL.h>
 #include <SDL_mixer.h>
 #include <ebur128.h>
@@ -35,8 +34,7 @@ struct Levels {
   double dcOffset = 0;              // the larger absolute mean of the two sides, full scale = 1
 };
 
-// Measures interleaved stereo as any meter would: a file whose sides are the same as one channel, with
-// silence padded either side, and a new momentary reading every 100 ms.
+// Interleaved stereo as a meter reads it: equal sides as one channel, padded with silence, read every 100 ms.
 Levels measure(const std::vector<int16_t>& samples, int rate) {
   bool mono = true;
   for (size_t i = 0; i < samples.size() && mono; i += 2) mono = samples[i] == samples[i + 1];
@@ -70,8 +68,7 @@ Levels measure(const std::vector<int16_t>& samples, int rate) {
   return levels;
 }
 
-// Opens the game's own mixer on SDL's silent driver, decodes every shipped file with it (16-bit stereo)
-// and measures each once for all the tests below.
+// Every shipped file decoded (16-bit stereo) by the game's own mixer on SDL's silent driver, measured once.
 class SoundLevels : public testing::Test {
  protected:
   static void SetUpTestSuite() {
@@ -79,8 +76,9 @@ class SoundLevels : public testing::Test {
     output_ = MixerSoundOutput::open().release();
     ::unsetenv("SDL_AUDIODRIVER");
     if (!output_ || !Mix_QuerySpec(&rate_, nullptr, nullptr)) return;
-    for (const char* name : {"jump", "click", "explosion", "bg-music", kLaughs[0], kLaughs[1], kLaughs[2],
-                             kLaughs[3]}) {
+    std::vector<std::string> names(std::begin(kLaughs), std::end(kLaughs));
+    for (const char* name : {"jump", "click", "explosion", "bg-music"}) names.emplace_back(name);
+    for (const std::string& name : names) {
       const auto file = bundle_.urlForResource(name, "mp3");
       Mix_Chunk* chunk = file ? Mix_LoadWAV(file->c_str()) : nullptr;
       if (!chunk) continue;
@@ -128,17 +126,14 @@ TEST_F(SoundLevels, EveryFileIsCentredWithHeadroomAndTheMusicLoopsUnderTheEffect
   }
 }
 
-// Adds a sound into a mix the way the mixer adds each playing sound into its output: scaled by a
-// volume out of 128 and clamped at full scale by SDL.
+// Adds a sound into a mix as the mixer does: scaled by a volume out of 128, clamped at full scale by SDL.
 void mixIn(std::vector<int16_t>& mix, const int16_t* sound, size_t count, int volume) {
   SDL_MixAudioFormat(reinterpret_cast<Uint8*>(mix.data()), reinterpret_cast<const Uint8*>(sound), AUDIO_S16SYS,
                      static_cast<Uint32>(std::min(count, mix.size()) * sizeof(int16_t)), volume);
 }
 
-// The music follows only its own node's volume. A crash over it at full volume: the jump that started
-// the run's last moment, the explosion and a laugh all begin on the same sample, anywhere in the music's
-// loudest 400 ms, each at the level the game's mixer plays it at. The mix must never reach full scale,
-// where SDL would clip it.
+// The music follows only its own node's volume. Over its loudest 400 ms at full volume, a jump, the
+// explosion and a laugh starting on one sample, each at the mixer's level, must never reach full scale.
 TEST_F(SoundLevels, TheMusicFollowsItsNodeAndACrashOverItsLoudestMomentNeverReachesFullScale) {
   AudioNode music(bundle_.folder() / "bg-music.mp3"), other(bundle_.folder() / "jump.mp3");
   music.setVolume(0.25f);
@@ -182,8 +177,7 @@ TEST_F(SoundLevels, HugeFilesPipesAndFailedLoadsAreRefusedWithoutHurtingOtherFil
   fs::copy_file(jump, folder.path() / "huge.mp3");
   fs::resize_file(folder.path() / "huge.mp3", 64u << 20);  // sparse on disk
   EXPECT_FALSE(output_->playEffect(folder.path() / "huge.mp3"));
-  // A minute at the lowest bitrate: 60 kB on disk, 10 MB decoded. Refused once, with one line, before
-  // it is decoded; the same file still streams as music.
+  // A minute at 8 kbit/s, 10 MB decoded: refused before decoding, in one line; it still streams as music.
   const fs::path minute = folder.path() / "minute.mp3";
   ASSERT_EQ(std::system(("sox -n -r 8000 -c 1 -C 8 '" + minute.string() + "' synth 60 sine 440").c_str()), 0);
   testing::internal::CaptureStderr();

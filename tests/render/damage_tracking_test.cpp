@@ -35,9 +35,8 @@ int64_t differingPixels(cairo_surface_t* a, cairo_surface_t* b) {
   return count;
 }
 
-// Each frame drawn twice: only its changes over the kept previous frame, as in the window, and whole.
-// The renderer's own verification must count the same differing pixels. Frames are drawn between steps
-// as well as on them.
+// Each frame drawn from its changes over the kept previous one, as in the window, and whole; the
+// renderer's own verification must count the same differing pixels.
 struct TrackedDrawing {
   Renderer tracked, full;
   Surface kept{nullptr, cairo_surface_destroy};
@@ -74,11 +73,11 @@ struct TrackedDrawing {
   }
 };
 
+// A seeded headless game, drawn at its current pixel scale.
 struct TrackedRun : TrackedDrawing {
   std::ostringstream out;
   HeadlessSession session{HeadlessOptions{Size{480, 270}, 11, {}, {}, ""}, out};
   double pixelScale = 1;
-
   double drawAndCompare(uint64_t frame, double stepFraction = 1) {
     return TrackedDrawing::drawAndCompare(session.view(), pixelScale, frame, stepFraction);
   }
@@ -135,8 +134,7 @@ TEST(DamageTracking, EveryFrameOfALongRunMatchesAFullRedrawAndAStillFrameRedraws
   EXPECT_EQ(run.drawAndCompare(4000), 1) << "with tracking off everything is redrawn";
 }
 
-// A random shape: a rectangle, a circle or a line, up to three times the frame's size, filled, outlined
-// or both, somewhere across the frame.
+// A rectangle, circle or line up to three times the frame's size, filled and/or outlined, near the frame.
 std::shared_ptr<ShapeNode> randomShape(std::mt19937& random, Size frame) {
   std::uniform_real_distribution<double> unit(0, 1);
   const double extent = std::max(frame.width, frame.height) * 3 * unit(random) + 1;
@@ -155,8 +153,7 @@ std::shared_ptr<ShapeNode> randomShape(std::mt19937& random, Size frame) {
   return shape;
 }
 
-// Items larger than the frame and crossing it, in frames 1 to 100 points wide, moving by whole and by
-// fractional pixels, turning and fading: every frame drawn from its changes is a full redraw's.
+// Items crossing frames 1 to 100 points wide, moving by whole and fractional pixels, turning and fading.
 TEST(DamageTracking, RandomItemsCrossingSmallFramesMatchAFullRedrawOnEveryFrame) {
   std::mt19937 random(20);
   std::uniform_real_distribution<double> unit(0, 1);

@@ -148,9 +148,8 @@ TEST_F(RendererTest, StrokesCapsTranslucentFillsAndLabelColoursAndAtScaleTwoEver
   EXPECT_EQ(hiDpi.count(240, 0, 400, 200), inside);
 }
 
-// Upright rectangles are filled without masks over their insides, to the very pixels masks would
-// give: none at all for a dimming rectangle over the whole window, thin ones along the sides of one
-// off the pixel grid. The same outlines traced with one more corner point take whole masks.
+// Upright rectangles take masks only along sides off the pixel grid (none for a dimming one over the
+// window), painting the pixels whole masks would; the same outlines with one more corner take whole masks.
 TEST_F(RendererTest, UprightRectanglesTakeMasksOnlyAlongSidesOffThePixelGridAndPaintWhatMasksWould) {
   const auto draw = [&](const Path& offGrid, const Path& dimming, Renderer& renderer) {
     scene->removeAllChildren();

@@ -3,11 +3,8 @@
 // stays silent, and a real bus daemon frozen with SIGSTOP. Each gives its address while it lives.
 #include <gio/gio.h>
 #include <signal.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <string>
 
 namespace zb::test {
@@ -16,17 +13,14 @@ class MuteBus {
  public:
   MuteBus() : path_(std::string(g_get_tmp_dir()) + "/zb-mute-bus-" + std::to_string(::getpid())) {
     ::unlink(path_.c_str());
-    socket_ = ::socket(AF_UNIX, SOCK_STREAM, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::strncpy(address.sun_path, path_.c_str(), sizeof address.sun_path - 1);
+    g_autoptr(GSocketAddress) address = g_unix_socket_address_new(path_.c_str());
+    socket_ = g_socket_new(G_SOCKET_FAMILY_UNIX, G_SOCKET_TYPE_STREAM, G_SOCKET_PROTOCOL_DEFAULT, nullptr);
     // The kernel completes connections up to the backlog without the listener ever accepting.
-    const bool listening = ::bind(socket_, reinterpret_cast<sockaddr*>(&address), sizeof address) == 0 &&
-                           ::listen(socket_, 64) == 0;
-    if (!listening) path_.clear();
+    if (socket_ != nullptr) g_socket_set_listen_backlog(socket_, 64);
+    if (!socket_ || !g_socket_bind(socket_, address, TRUE, nullptr) || !g_socket_listen(socket_, nullptr)) path_.clear();
   }
   ~MuteBus() {
-    ::close(socket_);
+    g_clear_object(&socket_);
     if (!path_.empty()) ::unlink(path_.c_str());
   }
   // Empty when the socket could not be made.
@@ -34,7 +28,7 @@ class MuteBus {
 
  private:
   std::string path_;
-  int socket_ = -1;
+  GSocket* socket_ = nullptr;
 };
 
 class FrozenBus {

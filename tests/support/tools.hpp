@@ -12,11 +12,6 @@
 
 namespace zb::test {
 
-inline bool hasProgram(const std::string& name) {
-  g_autofree gchar* found = g_find_program_in_path(name.c_str());
-  return found != nullptr;
-}
-
 inline bool underCi() {
   const std::string_view ci = std::getenv("CI") != nullptr ? std::getenv("CI") : "";
   return !ci.empty() && ci != "false" && ci != "0";
@@ -25,7 +20,8 @@ inline bool underCi() {
 // The first of `programs` that is not on the PATH; empty when all are.
 inline std::string firstMissingProgram(std::initializer_list<const char*> programs) {
   for (const char* program : programs) {
-    if (!hasProgram(program)) return program;
+    g_autofree gchar* found = g_find_program_in_path(program);
+    if (found == nullptr) return program;
   }
   return {};
 }
