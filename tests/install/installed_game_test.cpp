@@ -164,11 +164,16 @@ TEST(InstalledGame, TheDebDependsOnItsLibrariesCarriesDebiansHardeningAndPassesL
   ASSERT_EQ(runTool({"dpkg-deb", "--extract", deb, folder.path() / "tree"}).status, 0);
   const BinaryRun hardening =
       runTool({"hardening-check", "--nocfprotection", folder.path() / "tree/usr/games/zindlebop"});
-  EXPECT_EQ(hardening.status, 0) << hardening.out << hardening.err;
+  // A sanitizer build replaces those checks with its own and is never packaged for players.
+  if (ZB_HARDENED) {
+    EXPECT_EQ(hardening.status, 0) << hardening.out << hardening.err;
+  }
   // Hardening tags are only informational, so they are shown and looked for by name.
   const BinaryRun lintian = runTool({"lintian", "--fail-on", "error,warning", "--display-info", deb});
   EXPECT_EQ(lintian.status, 0) << lintian.out << lintian.err;
-  EXPECT_EQ(lintian.out.find("hardening-"), std::string::npos) << lintian.out;
+  if (ZB_HARDENED) {
+    EXPECT_EQ(lintian.out.find("hardening-"), std::string::npos) << lintian.out;
+  }
 }
 
 }  // namespace
