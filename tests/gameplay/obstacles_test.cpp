@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 
+#include "gameplay/difficulty.hpp"
 #include "scene/scene_fixture.hpp"
 
 namespace zb {
@@ -46,17 +47,14 @@ struct Running {
 };
 
 TEST(Obstacles, EachStageBringsItsKinds) {
-  const struct {
-    int64_t score;
-    std::set<T> kinds;
-  } stages[] = {{399, {T::boxSmall, T::boxMedium}},
-                {400, {T::boxSmall, T::boxMedium, T::barrel}},
-                {1200, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium}},
-                {1600, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh}}};
-  for (const auto& stage : stages) {
+  const std::pair<int64_t, std::set<T>> stages[] = {
+      {kDifficultyStepPoints - 1, {T::boxSmall, T::boxMedium}},
+      {kDifficultyStepPoints, {T::boxSmall, T::boxMedium, T::barrel}},
+      {4 * kDifficultyStepPoints, {T::boxSmall, T::boxMedium, T::boxLarge, T::barrel, T::planeMedium, T::planeHigh}}};
+  for (const auto& [score, kinds] : stages) {
     std::set<T> seen;
-    for (const auto& [kind, node] : Running().spawnAt(stage.score)) seen.insert(kind);
-    EXPECT_EQ(seen, stage.kinds) << "score " << stage.score;
+    for (const auto& [kind, node] : Running().spawnAt(score)) seen.insert(kind);
+    EXPECT_EQ(seen, kinds) << "score " << score;
   }
 }
 
@@ -116,19 +114,17 @@ TEST(Collisions, TouchingIsNotAHitTheOldestOverlapCountsAndDuckingClearsOnlyTheH
   EXPECT_TRUE(standing.hits()) << "but not a jumping one";
 }
 
-TEST(Score, DifficultyRisesEvery400PointsDownToTheFloorsUpToTheLimit) {
+// A player notices the speed-up at each step and obstacles never closer than the floors allow.
+TEST(Score, TheRunSpeedsUpAtEachStepAndTheGapsStopShrinkingBeforeTheyCloseUpToTheLimit) {
   Running r;
-  const struct {
-    int64_t score;
-    double speed;
-    int64_t min, max;
-  } schedule[] = {{399, 4.0, 72, 150}, {400, 4.6, 66, 140}, {2800, 8.2, 36, 80}, {3200, 8.8, 36, 80}};
-  for (const auto& row : schedule) {
-    while (r.s.score < row.score) r.s.incrementScoreAndDifficulty();
-    SCOPED_TRACE(row.score);
-    EXPECT_NEAR(r.s.obstacleSpeed, row.speed, 1e-9);
-    EXPECT_EQ(std::pair(r.s.spawnIntervalMin, r.s.spawnIntervalMax), std::pair(row.min, row.max));
-  }
+  while (r.s.score < kDifficultyStepPoints - 1) r.s.incrementScoreAndDifficulty();
+  EXPECT_EQ(r.s.obstacleSpeed, kStartObstacleSpeed);
+  r.s.incrementScoreAndDifficulty();
+  EXPECT_GT(r.s.obstacleSpeed, kStartObstacleSpeed);
+  EXPECT_LT(r.s.spawnIntervalMax, kStartSpawnIntervalMax);
+  while (r.s.score < 100 * kDifficultyStepPoints) r.s.incrementScoreAndDifficulty();
+  EXPECT_GT(r.s.spawnIntervalMin, 0);
+  EXPECT_LT(r.s.spawnIntervalMin, r.s.spawnIntervalMax);
   r.s.score = INT64_MAX - 5;
   r.game.step(5);
   EXPECT_EQ(r.s.score, INT64_MAX) << "the game runs right up to the limit";

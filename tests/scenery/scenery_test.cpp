@@ -1,7 +1,6 @@
 // The scenery around a run: skyline and clouds, birds, palettes, and how each is drawn between steps.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <functional>
 #include <map>
 #include <set>
@@ -17,43 +16,35 @@ namespace {
 using test::AttachedScene;
 using State = GameScene::GameState;
 
-// Points a frame at the starting speed; the drift follows the speed.
-constexpr double kCloudDriftAtStart = 1, kBuildingDriftAtStart = 0.4;
-
 std::vector<Point> positions(const Node& group) {
   std::vector<Point> result;
   for (const NodePtr& child : group.children()) result.push_back(child->position);
   return result;
 }
 
-TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtTheLastSpeed) {
+// Wrapping goes by the window's width at the time; on the game-over page the skyline keeps the run's pace.
+TEST(Background, WrapsPastTheWindowsEdgeAndDriftsOffTheRunAtTheLastSpeed) {
   AttachedScene s;
-  s->obstacleSpeed = kStartObstacleSpeed;
   Node& building = *s->buildingGroup->children()[0];
-  Node& wrapping = *s->buildingGroup->children()[1];
   Node& cloud = *s->cloudGroup->children()[0];
-  building.position.x = -79.5;
-  wrapping.position.x = -79.7;
-  cloud.position.x = -39;
-  s->updateBackground();
-  EXPECT_NEAR(building.position.x, -79.5 - kBuildingDriftAtStart, 1e-9);
-  EXPECT_EQ(wrapping.position.x, 800 + 80) << "the overshoot is dropped";
-  EXPECT_EQ(cloud.position.x, -39 - kCloudDriftAtStart);
-
   const std::vector<Point> before = positions(*s->buildingGroup);
   s.view->setSize({1200, 600});
-  EXPECT_EQ(positions(*s->buildingGroup), before);
+  EXPECT_EQ(positions(*s->buildingGroup), before) << "a resize moves nothing";
+  building.position.x = -79.9;
+  cloud.position.x = -39.5;
   s->updateBackground();
   EXPECT_EQ(building.position.x, 1200 + 80);
   EXPECT_EQ(cloud.position.x, 1200 + 40);
 
-  s->obstacleSpeed = 10;  // as left behind by a long run
-  const double speedUp = s->obstacleSpeed / kStartObstacleSpeed;
   s->showGameOver();
-  cloud.position.x = building.position.x = 400;
-  s.step();
-  EXPECT_DOUBLE_EQ(cloud.position.x, 400 - kCloudDriftAtStart * speedUp);
-  EXPECT_DOUBLE_EQ(building.position.x, 400 - kBuildingDriftAtStart * speedUp);
+  const auto drift = [&] {
+    cloud.position.x = 400;
+    s.step();
+    return 400 - cloud.position.x;
+  };
+  const double atStart = drift();
+  s->obstacleSpeed = 2 * kStartObstacleSpeed;  // as left behind by a long run
+  EXPECT_DOUBLE_EQ(drift(), 2 * atStart);
   s->obstacleSpeed = 0;
   const std::vector<Point> clouds = positions(*s->cloudGroup), buildings = positions(*s->buildingGroup);
   s.step(120);
@@ -61,7 +52,7 @@ TEST(Background, WrapsStrictlyPastTheEdgeAtTheWindowsSizeAndDriftsOffTheRunAtThe
   EXPECT_EQ(positions(*s->buildingGroup), buildings);
 }
 
-TEST(Birds, OnlyInPlayAboutOneIn481FramesEnteringAtEitherEdgeAndGoneOnceAcross) {
+TEST(Birds, FlyOnlyInPlayEnteringMirroredFromEitherEdgeAndAreGoneOnceAcross) {
   AttachedScene s;
   for (State state : {State::menu, State::settings, State::gameOver, State::paused}) {
     s->gameState = state;
@@ -69,23 +60,22 @@ TEST(Birds, OnlyInPlayAboutOneIn481FramesEnteringAtEitherEdgeAndGoneOnceAcross) 
     EXPECT_TRUE(s->birds().empty()) << toString(state);
   }
   s->gameState = State::playing;
-  constexpr int kExpected = 300;
-  for (int i = 0; i < 481 * kExpected; ++i) s->maybeSpawnBird();  // no frames: nothing flies away
+  for (int i = 0; i < 100000; ++i) s->maybeSpawnBird();  // no frames: nothing flies away
   const auto birds = s->birds();
-  // Four standard deviations of the binomial count either side.
-  EXPECT_NEAR(static_cast<double>(birds.size()), kExpected, 4 * std::sqrt(kExpected));
+  std::set<bool> sides;
   for (const ShapeNodePtr& bird : birds) {
-    EXPECT_TRUE(bird->position.y >= 110 && bird->position.y <= 158) << bird->position.y;
     const bool fromRight = bird->position.x > 400;
-    EXPECT_EQ(bird->position.x, fromRight ? 820 : -20);
+    EXPECT_TRUE(bird->position.x < 0 || bird->position.x > 800) << "enters off the screen";
     EXPECT_EQ(bird->xScale, fromRight ? -1 : 1) << "a bird from the right is mirrored";
+    sides.insert(fromRight);
   }
+  EXPECT_EQ(sides.size(), 2u);
+  EXPECT_LT(birds.size(), 1000u) << "a few birds, not a flock";
   s->gameState = State::menu;  // no new ones
   s.step(60);
   EXPECT_EQ(s->birds().size(), birds.size()) << "no bird crosses in a second";
   s.step(6 * 60);
   EXPECT_TRUE(s->birds().empty()) << "every bird is gone after the longest flight";
-  EXPECT_GT(s->nodeCount(), 0u);
 }
 
 // Walks the score up one point per check, as a run does, until it reaches `target`.
@@ -107,14 +97,14 @@ void expectPalette(const GameScene& s, int64_t index) {
   EXPECT_EQ(s.highScoreLabel->fontColor, palette.secondary);
 }
 
-TEST(Palettes, StepEvery350PointsCycleAfterFourAndTheMenuAfterAGameOverStepsOnce) {
+TEST(Palettes, StepAtEachChangeCycleRoundAndTheMenuAfterAGameOverStepsOnce) {
   AttachedScene s;
-  scoreUpTo(*s, 349);
-  expectPalette(*s, 0);
-  scoreUpTo(*s, 350);
-  expectPalette(*s, 1);
-  scoreUpTo(*s, 1400);
-  expectPalette(*s, 0);
+  const auto palettes = static_cast<int64_t>(s->vibrantPalettes.size());
+  for (const auto& [score, index] : {std::pair{kPaletteChangePoints - 1, int64_t{0}}, {kPaletteChangePoints, 1},
+                                     {palettes * kPaletteChangePoints, 0}}) {
+    scoreUpTo(*s, score);
+    expectPalette(*s, index);
+  }
 
   for (bool retry : {false, true}) {  // game over at 800, then the menu steps once more, a retry does not
     SCOPED_TRACE(retry ? "retry" : "menu");
