@@ -26,29 +26,21 @@ Command parsed(std::string_view line) {
 }
 
 TEST(ScriptCommand, ReadsTheArgumentsOfEveryCommand) {
-  EXPECT_EQ(parsed<StepCommand>("step").frames, 1u);
+  // What the session tests' scripts do not already lean on: big counts, Option, raw key codes, odd values.
   EXPECT_EQ(parsed<StepCommand>("  step   10000000000 \r").frames, 10000000000u);
-  EXPECT_EQ(parsed<AutoplayCommand>("autoplay 120").frames, 120u);
   EXPECT_EQ(parsed<KeyCommand>("key down return alt").modifierFlags, kOptionModifierFlag);
-  EXPECT_EQ(parsed<KeyCommand>("key down tab ctrl shift").modifierFlags, kControlModifierFlag | kShiftModifierFlag);
   parsed<QuitCommand>("quit");
-  EXPECT_FALSE(parsed<KeyCommand>("key up down").down);
-  // Names, a digit key, and longer numbers as raw key codes.
-  const std::pair<const char*, uint16_t> keys[] = {{"key down space", keycode::space},
-                                                   {"key up down", keycode::downArrow},
-                                                   {"key down 49", keycode::space},
-                                                   {"key down 65535", 65535},
-                                                   {"key down 0", 29}};
-  for (const auto& [line, code] : keys) EXPECT_EQ(parsed<KeyCommand>(line).keyCode, code) << line;
+  // A digit key, and longer numbers as raw key codes.
+  for (const auto& [line, code] : {std::pair<const char*, uint16_t>{"key down 49", keycode::space},
+                                   {"key down 65535", 65535}, {"key down 0", 29}}) {
+    EXPECT_EQ(parsed<KeyCommand>(line).keyCode, code) << line;
+  }
   EXPECT_EQ(parsed<ClickCommand>("click 400 312.5").location, (Point{400, 312.5}));
   EXPECT_EQ(parsed<MoveCommand>("move -3 7").location, (Point{-3, 7}));
   EXPECT_EQ(parsed<ResizeCommand>("resize 1 16384").size, (Size{1, 16384}));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k int -12").value, PreferenceValue(int64_t{-12}));
-  EXPECT_EQ(parsed<PrefSetCommand>("pref set k bool false").value, PreferenceValue(false));
-  EXPECT_EQ(parsed<PrefSetCommand>("pref set k float 0.3").value, PreferenceValue(0.3f));
   EXPECT_EQ(parsed<PrefSetCommand>("pref set k string two  words").value, PreferenceValue(std::string("two  words")));
   EXPECT_EQ(parsed<PrefRemoveCommand>("pref remove k").key, "k");
-  EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png").file, "/tmp/shot.png");
   EXPECT_EQ(parsed<ScreenshotCommand>("screenshot /tmp/shot.png at 0.25").stepFraction, 0.25);
   for (const char* bad : {"screenshot a.png at 1", "screenshot a.png at -0.1", "screenshot a.png at half",
                           "screenshot a.png at", "screenshot a.png by 0.5", "screenshot a.png at 0.5 more"}) {
@@ -115,7 +107,6 @@ TEST(DumpState, ReadsTheFieldsAsTheyStandAndTellsBirdsAndDotsByDepth) {
   scene.settingMusicVolume = 0.1f;
   scene.playerBody->path = Path::line({1, 2}, {3, 4});
   scene.playerBody->position = {10, 0};  // strokes are reported in the figure's coordinates
-  scene.titleLabel->setText("tab\tand \"quote\" \xe2\x80\x93 dash");
 
   Json after = dump();
   ASSERT_EQ(after["birds"].size(), before["birds"].size() + 1);
@@ -126,7 +117,6 @@ TEST(DumpState, ReadsTheFieldsAsTheyStandAndTellsBirdsAndDotsByDepth) {
   EXPECT_EQ(after["lastCollisionPoint"][0].get<double>(), 12.5);
   EXPECT_EQ(after["settingMusicVolume"].get<double>(), 0.1f) << "printed to read back exactly";
   EXPECT_EQ(after["rig"]["body"][0].get<double>(), 11);
-  EXPECT_EQ(after["labels"]["titleLabel"]["text"].get<std::string>(), "tab\tand \"quote\" \xe2\x80\x93 dash");
   scene.lastCollisionPoint.reset();
   scene.pauseOverlay->removeAllChildren();
   after = dump();
@@ -160,20 +150,18 @@ TEST(HeadlessDriver, ABadLineNamesItsLineAndNothingAfterItRuns) {
   EXPECT_EQ(run.err, "line 17: pad: 16 pads are connected already\n");
 }
 
-TEST(HeadlessDriver, PadsPlayFocusPausesAndTheDumpReportsThem) {
+TEST(HeadlessDriver, PadCommandsPlayAndTheDumpReportsPadsAndComfortOptions) {
   HeadlessRun run = runScript(
       "pad add\nlaunch\ndump\n"
       "pad down a\npad down a\npad up a\nstep 3\npad axis lefty 0.75\ndump\n"  // a held button presses once
       "pad axis lefty 0\npad add\npad remove\ndump\n"  // the waiting pad goes; the run goes on
       "pad remove\ndump\n"                              // the playing pad goes: paused
-      "pad down a\nfocus gained\ndump\n"                // no pad left; regaining focus resumes nothing
-      "key down space\nstep\nfocus lost\ndump\n"
       "pref set zindlebop_gameSpeed float 0.25\npref set zindlebop_reducedMotion bool true\nrelaunch\ndump\n");
   ASSERT_EQ(run.status, 0) << run.err;
   const auto dumps = run.dumps();
-  ASSERT_EQ(dumps.size(), 7u);
-  const std::pair<const char*, int> stateAndPads[] = {{"menu", 1},   {"playing", 1}, {"playing", 1}, {"paused", 0},
-                                                      {"paused", 0}, {"paused", 0},  {"menu", 0}};
+  ASSERT_EQ(dumps.size(), 5u);
+  const std::pair<const char*, int> stateAndPads[] = {
+      {"menu", 1}, {"playing", 1}, {"playing", 1}, {"paused", 0}, {"menu", 0}};
   for (size_t i = 0; i < dumps.size(); ++i) {
     EXPECT_EQ(dumps[i]["gameState"], stateAndPads[i].first) << "dump " << i;
     EXPECT_EQ(dumps[i]["gamepads"], stateAndPads[i].second) << "dump " << i;
@@ -182,8 +170,8 @@ TEST(HeadlessDriver, PadsPlayFocusPausesAndTheDumpReportsThem) {
   EXPECT_EQ(dumps[1]["playerFootAltitude"].get<double>(), 0) << "the second press of a held A jumped";
   EXPECT_EQ(dumps[0]["reducedMotion"], false);
   EXPECT_EQ(dumps[0]["gameSpeed"], 1);
-  EXPECT_EQ(dumps[6]["reducedMotion"], true);
-  EXPECT_EQ(dumps[6]["gameSpeed"], 0.5);
+  EXPECT_EQ(dumps[4]["reducedMotion"], true);
+  EXPECT_EQ(dumps[4]["gameSpeed"], 0.5) << "the slowest speed offered";
 }
 
 }  // namespace
