@@ -82,8 +82,12 @@ TEST(Sound, EveryVolumeChangeReachesItsTargetOverItsDuration) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.moment);
+    const float from = game.musicVolume();
     row.change(*game);
-    game.step(row.frames - 1);
+    const int half = row.frames / 2;
+    game.step(half);
+    EXPECT_NEAR(game.musicVolume(), (from + row.target) / 2, 1e-5) << "half way at half time";
+    game.step(row.frames - half - 1);
     EXPECT_NE(game.musicVolume(), row.target) << "finished early";
     game.step();
     EXPECT_EQ(game.musicVolume(), row.target);
