@@ -31,7 +31,6 @@ TEST(CommandLine, ReadsEveryOption) {
   EXPECT_TRUE(o.autoplay);
   EXPECT_EQ(o.screenshotFile, "s.png");
   EXPECT_EQ(options({"--help"}).action, Action::help);
-  EXPECT_EQ(options({"--version"}).action, Action::version);
   // The headless driver's options, in either spelling, wherever --headless stands.
   const CommandLineOptions h = options({"--script=x.txt", "--headless", "--fallback", "none", "--size=320x200"});
   EXPECT_EQ(h.action, Action::headless);

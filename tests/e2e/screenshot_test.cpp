@@ -120,14 +120,11 @@ TEST(Screenshots, PagesRunsObstaclesAndPalettesLookAsCommitted) {
 
 // The comparison itself must notice one small element gone wrong: a stray bird in the sky.
 TEST(Screenshots, TheComparisonCatchesOneStrayBird) {
-  const Surface reference = readPNG(kReferences / "run-boxes.png");
-  const Surface copy = readPNG(kReferences / "run-boxes.png");
+  const Surface reference = readPNG(kReferences / "run-boxes.png"), copy = readPNG(kReferences / "run-boxes.png");
   EXPECT_EQ(worstTile(reference.get(), copy.get()).wrong, 0);
   cairo_t* cr = cairo_create(copy.get());
   cairo_set_line_width(cr, 2);
-  cairo_move_to(cr, 500, 200);
-  cairo_line_to(cr, 506, 197);
-  cairo_line_to(cr, 512, 200);
+  for (const auto& [x, y] : {std::pair{500, 200}, {506, 197}, {512, 200}}) cairo_line_to(cr, x, y);
   cairo_stroke(cr);  // in black
   cairo_destroy(cr);
   EXPECT_GT(worstTile(reference.get(), copy.get()).wrong, kMaxWrongPerTile);

@@ -31,13 +31,11 @@ struct FakeHost : FrameLoopHost {
     return true;
   }
   double vblankPeriod() override { return vblank; }
-  std::vector<double> advances;
-  bool isMinimized = false;
+  std::vector<double> advances, fractions;
   std::string log;
-  std::vector<double> fractions;
-  double vblank = 0;
+  bool isMinimized = false;
+  double vblank = 0, clock = 0;
   size_t pass = 0;
-  double clock = 0;
 };
 
 // The host after the loop has run through `advances`, with vertical blanks every `vblank` if given.

@@ -52,8 +52,7 @@ class VirtualPads : public testing::Test {
     pump();
   }
   void tap(SDL_Joystick* joystick, SDL_GameControllerButton which) {
-    button(joystick, which, true);
-    button(joystick, which, false);
+    for (bool down : {true, false}) button(joystick, which, down);
   }
 
   test::AttachedScene game;

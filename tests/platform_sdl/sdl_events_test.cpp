@@ -60,14 +60,7 @@ TEST(SdlEvents, KeysClicksAndResizesReachTheSceneAndAQuitRequestQuits) {
 }
 
 TEST(KeyMapping, NamesAndScancodesGiveEachKeyItsOwnVirtualCodeAndOtherKeysNone) {
-  // The main Return, Space and the arrows reach the scene in the event tests; here the other Returns.
-  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_RETURN2), keycode::returnKey);
-  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_KP_ENTER), keycode::keypadEnter);
-  EXPECT_EQ(keyCodeForName("enter"), keycode::keypadEnter);
-  EXPECT_EQ(keyCodeForScancode(SDL_SCANCODE_TAB), keycode::tab);
-  EXPECT_EQ(modifierFlagsFor(KMOD_RALT | KMOD_LSHIFT), kOptionModifierFlag | kShiftModifierFlag);
-  EXPECT_EQ(modifierFlagsFor(KMOD_RCTRL | KMOD_GUI | KMOD_NUM), kControlModifierFlag);
-
+  // Which key is which shows in the event tests and remapping; here only that no two keys share a code.
   std::set<uint16_t> codes;
   for (char c : std::string("abcdefghijklmnopqrstuvwxyz0123456789")) codes.insert(*keyCodeForName(std::string(1, c)));
   EXPECT_EQ(codes.size(), 36u);
