@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <vector>
 
 #include "engine/label_node.hpp"
 #include "engine/scene.hpp"
@@ -145,6 +146,50 @@ TEST_F(RendererTest, StrokesCapsTranslucentFillsAndLabelColoursAndAtScaleTwoEver
   const int inside = hiDpi.count(edge(frame.minX()), edge(frame.minY()), edge(frame.maxX()), edge(frame.maxY()));
   EXPECT_GT(inside, 100);
   EXPECT_EQ(hiDpi.count(240, 0, 400, 200), inside);
+}
+
+// Upright rectangles take masks only along sides off the pixel grid (none for a dimming one over the
+// window), painting the pixels whole masks would; the same outlines with one more corner take whole masks.
+TEST_F(RendererTest, UprightRectanglesTakeMasksOnlyAlongSidesOffThePixelGridAndPaintWhatMasksWould) {
+  const auto draw = [&](const Path& offGrid, const Path& dimming, Renderer& renderer) {
+    scene->removeAllChildren();
+    for (const auto& [path, color] : {std::pair{offGrid, kBlue}, std::pair{dimming, Color::rgba(0, 0, 0, 0.4)}}) {
+      auto shape = ShapeNode::withPath(path);
+      shape->fillColor = color;
+      shape->strokeColor = Color::clear();
+      scene->addChild(shape);
+    }
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 200, 100);
+    cairo_t* cr = cairo_create(surface);
+    renderer.draw(cr, view, 1, 0);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface);
+    const auto* data = cairo_image_surface_get_data(surface);
+    std::vector<unsigned char> pixels(data, data + cairo_image_surface_get_stride(surface) * 100);
+    cairo_surface_destroy(surface);
+    return pixels;
+  };
+  const auto traced = [](const Rect& r) {
+    Path path;
+    path.moveTo({r.minX(), r.minY()});
+    for (Point corner : {Point{r.midX(), r.minY()}, Point{r.maxX(), r.minY()}, Point{r.maxX(), r.maxY()},
+                         Point{r.minX(), r.maxY()}}) {
+      path.lineTo(corner);
+    }
+    path.closeSubpath();
+    return path;
+  };
+  const Rect window = Rect::make(0, 0, 200, 100);
+  const Rect offGrid = Rect::make(10.25, 10.5, 150.5, 70.75);
+
+  Renderer masking, dimming, filling;
+  const std::vector<unsigned char> masked = draw(traced(offGrid), traced(window), masking);
+  EXPECT_TRUE(draw(traced(offGrid), Path::rect(window), dimming) == masked) << "a plain fill paints other pixels";
+  // A mask is a byte a pixel.
+  const auto windowPixels = static_cast<std::size_t>(window.width() * window.height());
+  EXPECT_GE(masking.masks().bytes() - dimming.masks().bytes(), windowPixels);
+  EXPECT_TRUE(draw(Path::rect(offGrid), Path::rect(window), filling) == masked) << "side masks paint other pixels";
+  EXPECT_LT(filling.masks().bytes(), dimming.masks().bytes() / 4) << "masks only along the sides";
 }
 
 TEST_F(RendererTest, CountersShowInTheLowerRightCornerOnlyWhenAskedFor) {
