@@ -183,7 +183,8 @@ void GameScene::loadComfortOptions() {
   std::string names;
   size_t shown = 0;
   for (const std::string& name : comfort_.unknownKeyNames) {
-    const std::string piece = " " + quotedForMessage(name, kLongestNameShown);
+    std::string piece = " ";  // appended in place, as GCC 12 at -O3 warns falsely on " " + a temporary
+    piece += quotedForMessage(name, kLongestNameShown);
     if (kHeading.size() + names.size() + piece.size() + kRoomForCount > kMaxMessageBytes) break;
     names += piece;
     ++shown;
