@@ -15,8 +15,8 @@ namespace {
 
 constexpr uint64_t kFrames = 100000;
 
-void BM_HeadlessAutoplay(benchmark::State& state) {
-  const std::string script = "launch\nautoplay " + std::to_string(kFrames) + "\n";
+// Runs the script through the headless driver once per iteration, seeded alike every time.
+void runScriptEachIteration(benchmark::State& state, const std::string& script) {
   HeadlessOptions options;
   options.seed = 7;
   for (auto _ : state) {
@@ -27,6 +27,11 @@ void BM_HeadlessAutoplay(benchmark::State& state) {
       break;
     }
   }
+}
+
+void BM_HeadlessAutoplay(benchmark::State& state) {
+  const std::string script = "launch\nautoplay " + std::to_string(kFrames) + "\n";
+  runScriptEachIteration(state, script);
   state.counters["frames_per_second"] =
       benchmark::Counter(static_cast<double>(kFrames), benchmark::Counter::kIsIterationInvariantRate);
 }
@@ -38,16 +43,7 @@ void BM_HeadlessPadChurn(benchmark::State& state) {
   std::string script;
   for (size_t i = 1; i < kMaxGamepads; ++i) script += "pad add\n";
   for (int64_t i = 0; i < state.range(0); ++i) script += "pad add\npad remove\n";
-  HeadlessOptions options;
-  options.seed = 7;
-  for (auto _ : state) {
-    std::istringstream in(script);
-    std::ostringstream out, err;
-    if (runHeadless(options, in, out, err) != 0) {
-      state.SkipWithError(err.str().c_str());
-      break;
-    }
-  }
+  runScriptEachIteration(state, script);
   state.counters["lines_per_second"] =
       benchmark::Counter(static_cast<double>(2 * state.range(0)), benchmark::Counter::kIsIterationInvariantRate);
 }
