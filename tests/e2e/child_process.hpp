@@ -93,4 +93,8 @@ inline BinaryRun runBinary(const std::vector<std::string>& arguments, std::strin
   return {status, child.output(), child.error()};
 }
 
+// A `sh -c` script that runs its arguments and then says their exit status on standard error, for a
+// game run under xvfb-run, whose own status can be that of its clean-up.
+inline constexpr const char* kGameStatusShown = "\"$0\" \"$@\"; echo \"game status: $?\" >&2";
+
 }  // namespace zb::test
